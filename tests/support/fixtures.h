@@ -1,0 +1,79 @@
+// Test fixtures shared by the areas: scratch folders, planted files, a canary
+// tree that must survive every walk and delete, and a scratch registry key.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "common/unique_handle.h"
+
+namespace scourel::test {
+
+std::wstring JoinPath(const std::wstring& folder, const std::wstring& name);
+bool PathExists(const std::wstring& path);
+// Creates the folder and any missing parents.
+void MakeDirs(const std::wstring& path);
+void WriteFileBytes(const std::wstring& path, const std::string& bytes);
+std::string ReadFileBytes(const std::wstring& path);
+// Deletes a tree without following links (clears read-only on the way).
+void RemoveTree(const std::wstring& path);
+
+// A fresh folder below the sandbox's C:\scourel-tests, removed on destruction.
+class ScratchDir {
+ public:
+  explicit ScratchDir(const std::wstring& name);
+  ~ScratchDir();
+  ScratchDir(const ScratchDir&) = delete;
+  ScratchDir& operator=(const ScratchDir&) = delete;
+  const std::wstring& path() const { return path_; }
+  std::wstring operator/(const std::wstring& name) const { return JoinPath(path_, name); }
+
+ private:
+  std::wstring path_;
+};
+
+// A small tree of files with known contents; Intact() compares every byte.
+class CanaryTree {
+ public:
+  explicit CanaryTree(const std::wstring& root);
+  const std::wstring& root() const { return root_; }
+  // Empty when every file is present with its bytes; otherwise what changed.
+  std::wstring Damage() const;
+
+ private:
+  std::wstring root_;
+  std::map<std::wstring, std::string> files_;
+};
+
+// Unix path of a Windows path inside the sandbox (for links made from the
+// host side), e.g. C:\x -> <prefix>/drive_c/x.
+std::string UnixPath(const std::wstring& windowsPath);
+// Makes a Unix symbolic link from the host side; Wine shows a link to a
+// folder as a reparse point.
+bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link);
+bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link);
+
+// HKCU\Software\ScourelTests\<name>, created fresh and deleted afterwards.
+class ScratchKey {
+ public:
+  explicit ScratchKey(const std::wstring& name);
+  ~ScratchKey();
+  ScratchKey(const ScratchKey&) = delete;
+  ScratchKey& operator=(const ScratchKey&) = delete;
+  const std::wstring& path() const { return path_; }  // below HKEY_CURRENT_USER
+  HKEY key() const { return key_.get(); }
+
+ private:
+  std::wstring path_;
+  UniqueRegKey key_;
+};
+
+// Runs a program and waits for it; returns its exit code or -1.
+int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs = 60000);
+
+// The folder of the running test program (build\bin).
+std::wstring ProgramDir();
+
+}  // namespace scourel::test
