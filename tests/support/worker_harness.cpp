@@ -1,0 +1,173 @@
+#include "support/worker_harness.h"
+
+#include <chrono>
+
+#include "host/protocol.h"
+#include "support/fixtures.h"
+
+namespace scourel::test {
+
+namespace {
+
+constexpr UINT kQuit = WM_APP + 1;
+thread_local WorkerHarness* t_harness = nullptr;
+
+bool IsReply(UINT id) { return id == WM_COPYDATA || (id >= 2034 && id <= 2088); }
+
+void CloseStrayWorkers() {
+  // A worker left by an earlier test would answer our commands.
+  for (int i = 0; i < 50; ++i) {
+    HWND stray = ::FindWindowW(protocol::kWorkerClass, nullptr);
+    if (!stray) return;
+    DWORD pid = 0;
+    ::GetWindowThreadProcessId(stray, &pid);
+    UniqueHandleKernel process(::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, pid));
+    ::PostMessageW(stray, WM_CLOSE, 0, 0);
+    if (process && ::WaitForSingleObject(process.get(), 2000) != WAIT_OBJECT_0) ::TerminateProcess(process.get(), 1);
+    ::Sleep(20);
+  }
+}
+
+}  // namespace
+
+WorkerHarness::WorkerHarness(const std::wstring& name, const std::wstring& modeArgument, bool controller)
+    : root_(L"C:\\scourel-tests\\" + name) {
+  CloseStrayWorkers();
+  RemoveTree(root_);
+  MakeDirs(root_ + L"\\bin");
+  const std::wstring exe = root_ + L"\\bin\\scourel.exe";
+  ::CopyFileW((ProgramDir() + L"\\scourel.exe").c_str(), exe.c_str(), FALSE);
+
+  if (controller) {
+    ready_.reset(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    thread_ = std::thread([this] { ControllerThread(); });
+    ::WaitForSingleObject(ready_.get(), 10000);
+  }
+
+  std::wstring line = L"\"" + exe + L"\"";
+  if (!modeArgument.empty()) line += L" " + modeArgument;
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION info{};
+  if (!::CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
+  process_.reset(info.hProcess);
+  UniqueHandleKernel thread(info.hThread);
+  for (int i = 0; i < 1000 && !worker_; ++i) {
+    worker_ = ::FindWindowW(protocol::kWorkerClass, nullptr);
+    if (!worker_) ::Sleep(10);
+  }
+}
+
+WorkerHarness::~WorkerHarness() {
+  if (process_) {
+    if (worker_) ::PostMessageW(worker_, WM_CLOSE, 0, 0);
+    if (::WaitForSingleObject(process_.get(), 5000) != WAIT_OBJECT_0) ::TerminateProcess(process_.get(), 1);
+  }
+  if (thread_.joinable()) {
+    ::PostMessageW(controller_, kQuit, 0, 0);
+    thread_.join();
+  }
+  RemoveTree(root_);
+}
+
+void WorkerHarness::ControllerThread() {
+  t_harness = this;
+  WNDCLASSW windowClass{};
+  windowClass.lpfnWndProc = ControllerProc;
+  windowClass.hInstance = ::GetModuleHandleW(nullptr);
+  windowClass.lpszClassName = protocol::kControllerClass;
+  ::RegisterClassW(&windowClass);
+  controller_ = ::CreateWindowW(protocol::kControllerClass, L"test controller", WS_OVERLAPPEDWINDOW, 0, 0, 10, 10,
+                                nullptr, nullptr, windowClass.hInstance, nullptr);
+  ::SetEvent(ready_.get());
+  MSG message;
+  while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (message.message == kQuit) break;
+    ::DispatchMessageW(&message);
+  }
+  ::DestroyWindow(controller_);
+  ::UnregisterClassW(protocol::kControllerClass, windowClass.hInstance);
+}
+
+LRESULT CALLBACK WorkerHarness::ControllerProc(HWND window, UINT id, WPARAM wParam, LPARAM lParam) {
+  WorkerHarness* self = t_harness;
+  if (self && IsReply(id)) {
+    ReceivedMessage message;
+    message.id = id;
+    message.wParam = wParam;
+    message.lParam = lParam;
+    message.sent = ::InSendMessage();
+    if (id == WM_COPYDATA) {
+      const auto* record = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+      message.kind = static_cast<unsigned>(record->dwData);
+      message.cbData = record->cbData;
+      const auto* data = static_cast<const std::uint8_t*>(record->lpData);
+      message.bytes.assign(data, data + record->cbData);
+      const auto* text = static_cast<const wchar_t*>(record->lpData);
+      size_t length = 0;
+      while (length < record->cbData / sizeof(wchar_t) && text[length]) ++length;
+      message.text.assign(text, length);
+    }
+    std::lock_guard lock(self->mutex_);
+    self->received_.push_back(std::move(message));
+    return id == WM_COPYDATA ? TRUE : 0;
+  }
+  return ::DefWindowProcW(window, id, wParam, lParam);
+}
+
+void WorkerHarness::WriteSetting(const std::wstring& key, const std::wstring& value) {
+  ::WritePrivateProfileStringW(L"Corvane Suite", key.c_str(), value.c_str(), settingsPath().c_str());
+}
+
+void WorkerHarness::RemoveSetting(const std::wstring& key) {
+  ::WritePrivateProfileStringW(L"Corvane Suite", key.c_str(), nullptr, settingsPath().c_str());
+}
+
+LRESULT WorkerHarness::Send(UINT id, WPARAM wParam, LPARAM lParam) {
+  DWORD_PTR result = 0;
+  ::SendMessageTimeoutW(worker_, id, wParam, lParam, SMTO_NORMAL, 60000, &result);
+  return static_cast<LRESULT>(result);
+}
+
+std::optional<ReceivedMessage> WorkerHarness::WaitMatching(UINT id, unsigned kind, DWORD timeoutMs) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+  for (;;) {
+    {
+      std::lock_guard lock(mutex_);
+      for (size_t i = cursor_; i < received_.size(); ++i) {
+        if (received_[i].id == id && (id != WM_COPYDATA || received_[i].kind == kind)) {
+          cursor_ = i + 1;
+          return received_[i];
+        }
+      }
+    }
+    if (std::chrono::steady_clock::now() >= deadline) return std::nullopt;
+    ::Sleep(5);
+  }
+}
+
+std::optional<ReceivedMessage> WorkerHarness::WaitFor(UINT id, DWORD timeoutMs) { return WaitMatching(id, 0, timeoutMs); }
+
+std::optional<ReceivedMessage> WorkerHarness::WaitForCopyData(unsigned kind, DWORD timeoutMs) {
+  return WaitMatching(WM_COPYDATA, kind, timeoutMs);
+}
+
+std::vector<ReceivedMessage> WorkerHarness::Received() {
+  std::lock_guard lock(mutex_);
+  return received_;
+}
+
+void WorkerHarness::ClearReceived() {
+  std::lock_guard lock(mutex_);
+  received_.clear();
+  cursor_ = 0;
+}
+
+std::optional<DWORD> WorkerHarness::WaitExit(DWORD timeoutMs) {
+  if (!process_ || ::WaitForSingleObject(process_.get(), timeoutMs) != WAIT_OBJECT_0) return std::nullopt;
+  DWORD code = 0;
+  ::GetExitCodeProcess(process_.get(), &code);
+  return code;
+}
+
+}  // namespace scourel::test

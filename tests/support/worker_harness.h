@@ -1,0 +1,79 @@
+// Drives a real scourel.exe through real window messages, as the controller
+// does: an OVERSEER_CLASS window on a thread of its own records every message
+// the worker sends it.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/unique_handle.h"
+
+namespace scourel::test {
+
+struct ReceivedMessage {
+  UINT id = 0;
+  WPARAM wParam = 0;
+  LPARAM lParam = 0;
+  bool sent = false;  // SendMessage (true) or PostMessage (false)
+  // WM_COPYDATA only:
+  unsigned kind = 0;
+  std::uint32_t cbData = 0;
+  std::wstring text;           // up to the first zero
+  std::vector<std::uint8_t> bytes;  // the cbData bytes as received
+};
+
+class WorkerHarness {
+ public:
+  // Installs a copy of scourel.exe as C:\scourel-tests\<name>\bin\scourel.exe
+  // (so it reads C:\scourel-tests\<name>\Settings.INI) and starts it with the
+  // mode argument, if any. With controller false no OVERSEER_CLASS window exists.
+  explicit WorkerHarness(const std::wstring& name, const std::wstring& modeArgument = L"",
+                         bool controller = true);
+  ~WorkerHarness();
+  WorkerHarness(const WorkerHarness&) = delete;
+  WorkerHarness& operator=(const WorkerHarness&) = delete;
+
+  bool Started() const { return worker_ != nullptr; }
+  HWND worker() const { return worker_; }
+  HWND controller() const { return controller_; }
+  const std::wstring& root() const { return root_; }
+  std::wstring settingsPath() const { return root_ + L"\\Settings.INI"; }
+
+  void WriteSetting(const std::wstring& key, const std::wstring& value);
+  void RemoveSetting(const std::wstring& key);
+
+  // Sends a command and returns the window procedure's result.
+  LRESULT Send(UINT id, WPARAM wParam = 0, LPARAM lParam = 0);
+
+  // Waits for a message with this id (for WM_COPYDATA: of this kind) that
+  // arrived after the previous wait's match; null on timeout.
+  std::optional<ReceivedMessage> WaitFor(UINT id, DWORD timeoutMs = 60000);
+  std::optional<ReceivedMessage> WaitForCopyData(unsigned kind, DWORD timeoutMs = 60000);
+  // Everything received so far, in order.
+  std::vector<ReceivedMessage> Received();
+  void ClearReceived();
+
+  // Waits for the worker process to end; its exit code, or nullopt.
+  std::optional<DWORD> WaitExit(DWORD timeoutMs = 30000);
+
+ private:
+  void ControllerThread();
+  static LRESULT CALLBACK ControllerProc(HWND, UINT, WPARAM, LPARAM);
+  std::optional<ReceivedMessage> WaitMatching(UINT id, unsigned kind, DWORD timeoutMs);
+
+  std::wstring root_;
+  UniqueHandleKernel process_;
+  HWND worker_ = nullptr;
+  HWND controller_ = nullptr;
+  std::thread thread_;
+  UniqueHandleKernel ready_;
+  std::mutex mutex_;
+  std::vector<ReceivedMessage> received_;
+  size_t cursor_ = 0;
+};
+
+}  // namespace scourel::test
