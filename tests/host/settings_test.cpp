@@ -1,0 +1,144 @@
+#include "host/settings.h"
+
+#include <gtest/gtest.h>
+
+#include "common/win.h"
+#include "host/worker_state.h"
+#include "registry_cleaner/registry_fix.h"
+#include "support/fixtures.h"
+
+namespace scourel {
+namespace {
+
+using test::ScratchDir;
+
+TEST(SettingsTest, SwitchIsOnOnlyForExactlyTRUE) {
+  const std::pair<const wchar_t*, bool> cases[] = {
+      {L"TRUE", true}, {L"true", false}, {L"True", false}, {L"TRUE ", false},
+      {L" TRUE", false}, {L"", false}, {L"FALSE", false}, {L"TRUEX", false}, {L"1", false},
+  };
+  for (const auto& [value, on] : cases) EXPECT_EQ(IsSwitchOn(value), on) << '"' << testing::PrintToString(std::wstring(value)) << '"';
+}
+
+TEST(SettingsTest, WipeIndexAcceptsExactlyOneDigitZeroToEight) {
+  const std::pair<const wchar_t*, int> cases[] = {
+      {L"0", 0}, {L"1", 1}, {L"7", 7}, {L"8", 8}, {L"9", -1}, {L"08", -1}, {L"", -1},
+      {L" 1", -1}, {L"1 ", -1}, {L"-1", -1}, {L"x", -1}, {L"\x0660", -1},
+  };
+  for (const auto& [value, index] : cases) {
+    auto parsed = ParseWipeIndex(value);
+    EXPECT_EQ(parsed ? static_cast<int>(*parsed) : -1, index) << testing::PrintToString(std::wstring(value));
+  }
+}
+
+TEST(SettingsTest, KeyFamilyFollowsCommandSetAndModeArgument) {
+  EXPECT_EQ(KeyName(KeyFamily::kFirstSet, L"PCDOCUMENT"), L"IDS_CPCDOCUMENT");
+  EXPECT_EQ(KeyName(KeyFamily::kPlain, L"CACHE"), L"IDS_CACHE");
+  EXPECT_EQ(KeyName(KeyFamily::kO, L"COM"), L"IDS_OCOM");
+  const std::pair<const wchar_t*, KeyFamily> modes[] = {
+      {L"o", KeyFamily::kO}, {L"", KeyFamily::kPlain}, {L"O", KeyFamily::kPlain},
+      {L"o ", KeyFamily::kPlain}, {L"oo", KeyFamily::kPlain}, {L"-o", KeyFamily::kPlain},
+  };
+  for (const auto& [mode, family] : modes) EXPECT_EQ(FamilyForSecondSet(mode), family) << testing::PrintToString(std::wstring(mode));
+}
+
+class SettingsFileTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    saved_ = g_settingsPath;
+    g_settingsPath = dir_ / L"Settings.INI";
+  }
+  void TearDown() override { g_settingsPath = saved_; }
+  void Write(const std::string& text) { test::WriteFileBytes(g_settingsPath, text); }
+
+  ScratchDir dir_{L"settings"};
+  std::wstring saved_;
+};
+
+TEST_F(SettingsFileTest, SwitchesReadThroughTheIniFile) {
+  Write(
+      "[Corvane Suite]\r\n"
+      "IDS_CCACHE=TRUE\r\n"
+      "IDS_CCOOKIES=true\r\n"
+      "IDS_CHISTORY=\"TRUE \"\r\n"
+      "IDS_CSESSION=TRUE\r\n"
+      "[Other]\r\n"
+      "IDS_CICONS=TRUE\r\n");
+  EXPECT_TRUE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"COOKIES", kBrowserChars));
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"HISTORY", kBrowserChars));  // quotes keep the space
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"AUTOCOMPLETE", kBrowserChars));  // missing key
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kPlain, L"SESSION", kBrowserChars));  // other family
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"ICONS", kBrowserChars));  // other section
+}
+
+TEST_F(SettingsFileTest, MissingFileOrSectionReadsAllOff) {
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));
+  Write("[Something Else]\r\nIDS_CCACHE=TRUE\r\n");
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));
+}
+
+TEST_F(SettingsFileTest, LongValuesAreCutByTheBuffer) {
+  Write("[Corvane Suite]\r\nIDS_WIPEALGORITHM=" + std::string(150, '7') + "\r\n");
+  EXPECT_EQ(ReadSetting(g_settingsPath, L"IDS_WIPEALGORITHM", kWipeAlgorithmChars).size(), kWipeAlgorithmChars - 1);
+}
+
+TEST_F(SettingsFileTest, InvalidWipeIndexLeavesTheLastOne) {
+  g_wipeMethod.set(0);
+  const std::pair<const char*, unsigned> steps[] = {
+      {"5", 5}, {"9", 5}, {"08", 5}, {"", 5}, {" 1", 5}, {"8", 8}, {"x", 8}, {"0", 0},
+  };
+  for (const auto& [value, expected] : steps) {
+    Write(std::string("[Corvane Suite]\r\nIDS_WIPEALGORITHM=\"") + value + "\"\r\n");
+    ReadWipeAlgorithm();
+    EXPECT_EQ(g_wipeMethod.get(), expected) << value;
+  }
+  ::DeleteFileW(g_settingsPath.c_str());
+  ReadWipeAlgorithm();
+  EXPECT_EQ(g_wipeMethod.get(), 0u) << "a missing file changes nothing";
+}
+
+TEST_F(SettingsFileTest, RegistryFlagsAreReadAfreshForEveryFix) {
+  Write("[Corvane Suite]\r\nIDS_CCOM=TRUE\r\nIDS_CFONTS=TRUE\r\nIDS_CDEEPSCAN=TRUE\r\nIDS_COM=TRUE\r\n");
+  SelectFixCategories(KeyFamily::kFirstSet);
+  EXPECT_EQ(FixFlag(kCatCom), 1);
+  EXPECT_EQ(FixFlag(kCatFonts), 1);
+  EXPECT_EQ(FixFlag(kCatDeepScan), 1);
+  EXPECT_EQ(FixFlag(kCatHelp), 0);
+
+  // The switch removed between two fixes is off in the second.
+  Write("[Corvane Suite]\r\nIDS_CFONTS=TRUE\r\nIDS_CCURRENTUSER=TRUE\r\n");
+  SelectFixCategories(KeyFamily::kFirstSet);
+  EXPECT_EQ(FixFlag(kCatCom), 0);
+  EXPECT_EQ(FixFlag(kCatFonts), 1);
+  EXPECT_EQ(FixFlag(kCatDeepScan), 0);
+  EXPECT_EQ(FixFlag(kCatCurrentUser), 1);
+
+  // Every switch of the family maps to its own category; the extension and
+  // additional-references categories have no switch.
+  std::string all = "[Corvane Suite]\r\n";
+  for (auto suffix : kRegistryKeys) all += "IDS_O" + std::string(suffix.begin(), suffix.end()) + "=TRUE\r\n";
+  Write(all);
+  SelectFixCategories(KeyFamily::kO);
+  for (int c = 0; c < kRegistryCategoryTotal; ++c) {
+    const bool selectable = c != kCatExtensions && c != kCatAdditional && c != kCatNone;
+    EXPECT_EQ(FixFlag(c), selectable ? 1 : 0) << c;
+  }
+}
+
+TEST(WorkerStateTest, SettingsLiveTwoFoldersAboveTheExe) {
+  const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+      {L"C:\\A\\B\\scourel.exe", L"C:\\A\\Settings.INI"},
+      {L"S:\\bin\\scourel.exe", L"S:\\Settings.INI"},
+      {L"C:\\Program Files\\Corvane\\bin\\scourel.exe", L"C:\\Program Files\\Corvane\\Settings.INI"},
+  };
+  const std::wstring saved = g_settingsPath;
+  for (const auto& [exe, settings] : cases) {
+    LocateSettings(exe);
+    EXPECT_EQ(g_settingsPath, settings);
+  }
+  g_settingsPath = saved;
+}
+
+}  // namespace
+}  // namespace scourel
