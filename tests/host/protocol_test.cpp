@@ -1,4 +1,8 @@
+// The worker's side of the message link, through real window messages
+// between two processes.
 #include <gtest/gtest.h>
+
+#include <regex>
 
 #include "host/protocol.h"
 #include "support/worker_harness.h"
@@ -6,16 +10,254 @@
 namespace scourel::test {
 namespace {
 
-TEST(WorkerProtocolTest, JunkFilesCompletionReachesController) {
-  WorkerHarness worker(L"proto-smoke");
-  ASSERT_TRUE(worker.Started());
-  EXPECT_EQ(worker.Send(2039), 0);
-  worker.Send(2034);
-  auto reply = worker.WaitFor(2035);
-  ASSERT_TRUE(reply);
-  EXPECT_TRUE(reply->sent);
-  EXPECT_EQ(reply->wParam, 0u);
+// What wParam must be: a fixed value, the worker's window, the controller's
+// window, or any count (the totals depend on what the sandbox holds).
+enum class Param { kZero, kWorker, kController, kAny };
+
+struct Expected {
+  UINT id;          // reply id, or WM_COPYDATA
+  unsigned kind;    // copy-data kind
+  bool sent;        // SendMessage rather than PostMessage
+  Param wParam;
+  bool lParamZero;  // else any byte total
+  std::uint32_t cbData;
+  const wchar_t* textPattern;  // copy data: the whole text must match
+};
+
+struct CommandCase {
+  const char* name;
+  UINT command;
+  std::vector<Expected> replies;  // in order; nothing else may arrive
+};
+
+#define SIZE L"\\d+\\.\\d\\d [KMG]B"
+#define PADDED L" *\\d+\\.\\d\\d [KMG]B"
+#define N L"-?\\d+"
+#define GROUP N L"\\\\is" SIZE L"\\\\is"
+
+Expected Posted(UINT id, Param w = Param::kZero) { return {id, 0, false, w, true, 0, nullptr}; }
+Expected Sent(UINT id, Param w, bool lParamZero) { return {id, 0, true, w, lParamZero, 0, nullptr}; }
+Expected Copy(unsigned kind, Param w, const wchar_t* pattern) {
+  return {WM_COPYDATA, kind, true, w, false, protocol::RecordBytes(kind), pattern};
 }
+
+std::vector<Expected> Progress(UINT id, int steps) {
+  std::vector<Expected> out;
+  for (int i = 1; i <= steps; ++i) {
+    Expected e = Posted(id, Param::kAny);
+    e.lParamZero = true;
+    out.push_back(e);
+  }
+  return out;
+}
+
+std::vector<Expected> Concat(std::vector<Expected> a, const std::vector<Expected>& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
+const wchar_t* const kBrowserPattern =
+    GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP;
+
+std::vector<CommandCase> StartCases() {
+  return {
+      {"junk files", 2034, {Sent(2035, Param::kAny, false)}},
+      {"junk files 2", 2058, {Sent(2059, Param::kAny, false)}},
+      {"registry fix", 2037, {Posted(2038)}},
+      {"registry fix 2", 2061, {Posted(2062)}},
+      {"shortcuts", 2040, {Sent(2041, Param::kAny, false)}},
+      {"shortcuts 2", 2064, {Sent(2065, Param::kAny, false)}},
+      {"extension fix", 2043, {Sent(2044, Param::kWorker, true)}},
+      {"extension fix 2", 2067, {Sent(2068, Param::kWorker, true)}},
+      {"browser", 2046, Concat(Progress(2083, 9), {Copy(305, Param::kWorker, kBrowserPattern)})},
+      {"browser 2", 2070, {Sent(2071, Param::kWorker, true)}},
+      {"pc traces", 2049,
+       Concat(Progress(2082, 6),
+              {Copy(303, Param::kWorker, N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N
+                                         L"\\\\pc " N)})},
+      {"pc traces 2", 2073, {Posted(2074, Param::kWorker)}},
+      {"recycle bin", 2052, {Sent(2053, Param::kAny, false)}},
+      {"recycle bin 2", 2076, {Sent(2077, Param::kAny, false)}},
+      {"plugin clean", 2055, {Posted(2056)}},
+      {"full scan",
+       2087,
+       {Copy(101, Param::kController, N L"\\\\j" SIZE L"\\\\j" N),
+        Copy(107, Param::kController,
+             N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N
+             L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv"),
+        Copy(109, Param::kController, L"Scanning Completed"),
+        Copy(102, Param::kController, N L"\\\\s" SIZE),
+        Copy(108, Param::kController, N),
+        Copy(105, Param::kController, kBrowserPattern),
+        Copy(104, Param::kController,
+             N L"\\\\pc" PADDED L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc" PADDED L"\\\\pc " N
+             L"\\\\pc" PADDED L"\\\\pc " N),
+        Copy(103, Param::kController, N L"\\\\r" SIZE),
+        Copy(106, Param::kController, N L"\\\\pss" SIZE)}},
+  };
+}
+
+void CheckReply(const WorkerHarness& worker, const ReceivedMessage& got, const Expected& want) {
+  EXPECT_EQ(got.sent, want.sent) << "sent vs posted";
+  switch (want.wParam) {
+    case Param::kZero: EXPECT_EQ(got.wParam, 0u); break;
+    case Param::kWorker: EXPECT_EQ(got.wParam, reinterpret_cast<WPARAM>(worker.worker())); break;
+    case Param::kController: EXPECT_EQ(got.wParam, reinterpret_cast<WPARAM>(worker.controller())); break;
+    case Param::kAny: break;
+  }
+  if (want.id == WM_COPYDATA) {
+    EXPECT_EQ(got.kind, want.kind);
+    EXPECT_EQ(got.cbData, want.cbData);
+    EXPECT_TRUE(std::regex_match(got.text, std::wregex(want.textPattern)))
+        << "kind " << got.kind << ": " << testing::PrintToString(got.text);
+    // Zero-padded behind the text.
+    for (size_t i = (got.text.size() + 1) * 2; i < got.bytes.size(); ++i) ASSERT_EQ(got.bytes[i], 0) << i;
+  } else if (want.lParamZero) {
+    EXPECT_EQ(got.lParam, 0);
+  } else {
+    EXPECT_GE(got.lParam, 0);
+  }
+}
+
+TEST(WorkerProtocolTest, EveryStartCommandRepliesAsSpecified) {
+  WorkerHarness worker(L"proto-table");
+  ASSERT_TRUE(worker.Started());
+  for (const CommandCase& c : StartCases()) {
+    SCOPED_TRACE(c.name);
+    worker.ClearReceived();
+    EXPECT_EQ(worker.Send(c.command), 0);
+    // Wait for the last expected reply, then compare everything that came.
+    const Expected& last = c.replies.back();
+    auto done = last.id == WM_COPYDATA ? worker.WaitForCopyData(last.kind) : worker.WaitFor(last.id);
+    ASSERT_TRUE(done) << "no final reply";
+    ::Sleep(100);
+    auto got = worker.Received();
+    ASSERT_EQ(got.size(), c.replies.size());
+    for (size_t i = 0; i < got.size(); ++i) {
+      SCOPED_TRACE(i);
+      EXPECT_EQ(got[i].id, c.replies[i].id);
+      CheckReply(worker, got[i], c.replies[i]);
+      if (got[i].id == 2082 || got[i].id == 2083) {
+        EXPECT_EQ(got[i].wParam, i + 1) << "progress step";
+      }
+    }
+  }
+}
+
+bool NothingArrives(WorkerHarness& worker, DWORD ms = 300) {
+  ::Sleep(ms);
+  return worker.Received().empty();
+}
+
+TEST(WorkerProtocolTest, StopsOfEmptySlotsAndUnusedIdsSendNothing) {
+  WorkerHarness worker(L"proto-empty");
+  ASSERT_TRUE(worker.Started());
+  const UINT ids[] = {2036, 2042, 2048, 2051, 2054, 2057, 2060, 2063, 2066, 2072, 2075, 2078, 2081, 2088,
+                      2039, 2045, 2047, 2050, 2069, 2084, 2085, 2086};
+  for (UINT id : ids) {
+    SCOPED_TRACE(id);
+    worker.ClearReceived();
+    EXPECT_EQ(worker.Send(id), 0);
+    EXPECT_TRUE(NothingArrives(worker, 100));
+  }
+  // A finished task leaves its slot empty: its stop sends nothing.
+  worker.ClearReceived();
+  worker.Send(2049);
+  ASSERT_TRUE(worker.WaitForCopyData(303));
+  worker.ClearReceived();
+  worker.Send(2051);
+  EXPECT_TRUE(NothingArrives(worker));
+}
+
+TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
+  WorkerHarness worker(L"proto-stop");
+  ASSERT_TRUE(worker.Started());
+
+  // The second-set PC-traces task stops itself after 2074 and keeps its slot.
+  worker.Send(2073);
+  ASSERT_TRUE(worker.WaitFor(2074));
+  worker.ClearReceived();
+  worker.Send(2075);
+  auto stopped = worker.WaitFor(2075, 5000);
+  ASSERT_TRUE(stopped);
+  EXPECT_TRUE(stopped->sent);
+  EXPECT_EQ(stopped->wParam, reinterpret_cast<WPARAM>(worker.worker()));
+  EXPECT_EQ(stopped->lParam, 0);
+  worker.ClearReceived();
+  worker.Send(2075);
+  EXPECT_TRUE(NothingArrives(worker)) << "the slot is empty after a stop";
+
+  // Stopped through the first set's id, it answers with kind 304.
+  worker.Send(2073);
+  ASSERT_TRUE(worker.WaitFor(2074));
+  worker.ClearReceived();
+  worker.Send(2051);
+  auto text = worker.WaitForCopyData(304, 5000);
+  ASSERT_TRUE(text);
+  EXPECT_EQ(text->cbData, 522u);
+  EXPECT_EQ(text->wParam, reinterpret_cast<WPARAM>(worker.worker()));
+  EXPECT_TRUE(std::regex_search(text->text, std::wregex(L"^" N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc")))
+      << testing::PrintToString(text->text);
+
+  // The first-set browser task leaves its slot taken too: 2048 reports kind 306.
+  worker.Send(2046);
+  ASSERT_TRUE(worker.WaitForCopyData(305));
+  worker.ClearReceived();
+  worker.Send(2048);
+  auto browser = worker.WaitForCopyData(306, 5000);
+  ASSERT_TRUE(browser);
+  EXPECT_EQ(browser->cbData, 4098u);
+  EXPECT_TRUE(std::regex_match(browser->text, std::wregex(kBrowserPattern)));
+
+  // Second-set browser stop of that same kind of leftover is posted.
+  worker.Send(2046);
+  ASSERT_TRUE(worker.WaitForCopyData(305));
+  worker.ClearReceived();
+  worker.Send(2072);
+  auto posted = worker.WaitFor(2072, 5000);
+  ASSERT_TRUE(posted);
+  EXPECT_FALSE(posted->sent);
+  EXPECT_EQ(posted->wParam, reinterpret_cast<WPARAM>(worker.worker()));
+}
+
+TEST(WorkerProtocolTest, CloseEndsTheWorkerWithCodeZero) {
+  WorkerHarness worker(L"proto-close");
+  ASSERT_TRUE(worker.Started());
+  ::PostMessageW(worker.worker(), WM_CLOSE, 0, 0);
+  auto code = worker.WaitExit();
+  ASSERT_TRUE(code);
+  EXPECT_EQ(*code, 0u);
+}
+
+TEST(WorkerProtocolTest, SecondSetPluginCleanEndsTheWorkerAfterItsReply) {
+  WorkerHarness worker(L"proto-plugin");
+  ASSERT_TRUE(worker.Started());
+  worker.Send(2079);
+  auto reply = worker.WaitFor(2080);
+  ASSERT_TRUE(reply);
+  EXPECT_FALSE(reply->sent);
+  EXPECT_EQ(reply->wParam, 0u);
+  EXPECT_EQ(reply->lParam, 0);
+  auto code = worker.WaitExit();
+  ASSERT_TRUE(code);
+  EXPECT_EQ(*code, 0u);
+}
+
+TEST(WorkerProtocolTest, WithoutControllerTheWorkerRunsOnQuietly) {
+  WorkerHarness worker(L"proto-alone", L"", /*controller=*/false);
+  ASSERT_TRUE(worker.Started());
+  worker.Send(2087);
+  worker.Send(2049);
+  worker.Send(2034);
+  ::Sleep(500);
+  EXPECT_FALSE(worker.WaitExit(100)) << "the worker keeps running";
+  EXPECT_EQ(worker.Send(2039), 0);
+}
+
+#undef SIZE
+#undef PADDED
+#undef N
+#undef GROUP
 
 }  // namespace
 }  // namespace scourel::test
