@@ -42,8 +42,20 @@ sandbox_enter() {
       [ -f "$root/ready" ] || sandbox_create "$build"
     ) 9>"$root.lock" || return 1
   fi
-  # A persistent server keeps each test's start-up short.
-  wineserver -p >/dev/null 2>&1 || true
+  # A persistent server keeps each test's start-up short. Start it, and the
+  # prefix's services, with their output going nowhere: a service started by a
+  # test would otherwise inherit the test's output pipe and keep it open
+  # forever, and whoever reads that pipe (CTest) would wait forever.
+  if ! sandbox_server_running; then
+    wineserver -p >/dev/null 2>&1 </dev/null || true
+    "$SCOUREL_WINE" wineboot >/dev/null 2>&1 </dev/null || true
+  fi
+}
+
+sandbox_server_running() {
+  local dev ino
+  dev=$(stat -c %d "$WINEPREFIX") && ino=$(stat -c %i "$WINEPREFIX") || return 1
+  [ -S "/tmp/.wine-$(id -u)/server-$(printf '%x' "$dev")-$(printf '%x' "$ino")/socket" ]
 }
 
 sandbox_create() {
