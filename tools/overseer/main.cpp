@@ -1,1 +1,123 @@
-int wmain() { return 0; }
+// overseer.exe: the command-line controller. Starts (or finds) the worker,
+// writes the settings a command needs, sends the command and prints every
+// reply until the command is complete. Every wait is bounded by --timeout.
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "common/win.h"
+#include "overseer/command_line.h"
+#include "overseer/command_plan.h"
+#include "overseer/controller_session.h"
+#include "overseer/report_output.h"
+#include "overseer/settings_writer.h"
+
+using namespace overseer;
+
+namespace {
+
+void Print(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fflush(stdout);
+}
+
+void PrintError(const std::string& text) {
+  const std::string line = "overseer: " + text + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fflush(stderr);
+}
+
+std::wstring DefaultWorkerPath() {
+  wchar_t path[MAX_PATH * 2] = {};
+  ::GetModuleFileNameW(nullptr, path, MAX_PATH * 2);
+  std::wstring folder = path;
+  folder.resize(folder.rfind(L'\\') + 1);
+  return folder + L"scourel.exe";
+}
+
+std::wstring FullPath(const std::wstring& path) {
+  wchar_t full[MAX_PATH * 2] = {};
+  const DWORD length = ::GetFullPathNameW(path.c_str(), MAX_PATH * 2, full, nullptr);
+  return length && length < MAX_PATH * 2 ? std::wstring(full, length) : path;
+}
+
+std::string SettingsLine(const RunReport& report) {
+  std::string line = "settings  " + Utf8(report.settingsPath);
+  for (size_t i = 0; i < report.settingsWritten.size(); ++i) {
+    line += (i ? ", " : ": ") + Utf8(report.settingsWritten[i].first) + "=" + Utf8(report.settingsWritten[i].second);
+  }
+  return line + "\n";
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+  const ParseResult parsed = ParseCommandLine(std::vector<std::wstring>(argv + 1, argv + argc));
+  if (parsed.help) {
+    Print(UsageText());
+    return 0;
+  }
+  if (!parsed.options) {
+    PrintError(parsed.error);
+    return 2;
+  }
+  const Options& options = *parsed.options;
+  const unsigned timeoutMs = options.timeoutSeconds * 1000;
+  const auto plan = PlanFor(options);
+
+  RunReport report;
+  report.command = CommandName(options.verb, options.target);
+  // Ends the run: the JSON document or the status line, and the exit code.
+  auto finish = [&](ControllerSession* session, const RunOutcome& outcome) {
+    if (session && !options.keepWorker) session->CloseStartedWorker();
+    report.status = outcome.status;
+    report.error = outcome.error;
+    if (!outcome.error.empty()) PrintError(outcome.error);
+    Print(options.json ? JsonReport(report) : "status    " + outcome.status + "\n");
+    return outcome.exitCode;
+  };
+
+  ControllerSession session([&](const DecodedReply& reply) {
+    report.replies.push_back(reply);
+    if (!options.json) Print(ReplyTable(reply));
+  });
+  std::string error;
+  if (plan && !session.Open(&error)) return finish(nullptr, {"failed", error, 1});
+
+  const bool attached = plan && session.Attach();
+  report.attached = attached;
+  report.workerPath =
+      attached ? session.workerPath() : FullPath(options.workerPath.empty() ? DefaultWorkerPath() : options.workerPath);
+  report.workerPid = attached ? session.workerPid() : 0;
+  if (plan && plan->needsRunningWorker && !attached) {
+    return finish(nullptr, {"not running", "", 0});
+  }
+
+  // Settings go in before the worker starts, so nothing runs if they can't.
+  report.settingsWritten = SettingsEntries(options, options.mode == L"o");
+  if (!report.settingsWritten.empty() || !plan) {
+    const auto root = InstallRootOf(report.workerPath);
+    if (!root) {
+      return finish(nullptr,
+                    {"failed", "cannot tell the worker's install root from \"" + Utf8(report.workerPath) + "\"", 1});
+    }
+    report.settingsPath = *root + L"\\" + kSettingsFileName;
+    std::wstring failedKey;
+    if (!WriteSettings(report.settingsPath, report.settingsWritten, &failedKey)) {
+      return finish(nullptr, {"failed", "cannot write " + Utf8(failedKey) + " to " + Utf8(report.settingsPath), 1});
+    }
+    if (!options.json) Print(SettingsLine(report));
+  }
+  if (!plan) return finish(nullptr, {"completed", "", 0});
+
+  if (!attached && !session.Start(report.workerPath, options.mode, timeoutMs, &error)) {
+    return finish(&session, {"failed", error + ": " + Utf8(report.workerPath), 1});
+  }
+  report.workerPid = session.workerPid();
+  if (!options.json) {
+    Print(std::string(attached ? "worker    attached to " : "worker    started ") + Utf8(report.workerPath) + " (pid " +
+          std::to_string(report.workerPid) + ")\n");
+    Print("command   " + report.command + " (message " + std::to_string(plan->message) + ")\n");
+  }
+  return finish(&session, session.Run(*plan, timeoutMs));
+}

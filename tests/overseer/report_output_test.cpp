@@ -1,0 +1,62 @@
+#include "overseer/report_output.h"
+
+#include <gtest/gtest.h>
+
+namespace overseer {
+namespace {
+
+TEST(OverseerOutputTest, JsonStringsAreEscaped) {
+  EXPECT_EQ(JsonString(L"C:\\a \"b\"\n"), "\"C:\\\\a \\\"b\\\"\\n\"");
+  EXPECT_EQ(JsonString(std::wstring(1, L'\x01')), "\"\\u0001\"");
+  EXPECT_EQ(JsonString(L"\x00e9\x20ac"), "\"\xc3\xa9\xe2\x82\xac\"");
+  EXPECT_EQ(Utf8(L"\xd83d\xde00"), "\xf0\x9f\x98\x80");
+}
+
+TEST(OverseerOutputTest, JsonReportShape) {
+  RunReport report;
+  report.command = "scan";
+  report.workerPath = L"C:\\r\\bin\\scourel.exe";
+  report.workerPid = 42;
+  report.settingsPath = L"C:\\r\\Settings.INI";
+  report.settingsWritten = {{L"IDS_WIPEALGORITHM", L"7"}};
+  report.replies.push_back(DecodeCopyData(101, L"1\\j2.00 KB\\j3"));
+  report.replies.push_back(DecodeMessage(2035, 1, 5));
+  report.status = "completed";
+  const std::string json = JsonReport(report);
+  for (const char* part :
+       {"\"command\": \"scan\"",
+        "\"worker\": {\"path\": \"C:\\\\r\\\\bin\\\\scourel.exe\", \"pid\": 42, \"attached\": false}",
+        "\"settings_written\": {\"IDS_WIPEALGORITHM\": \"7\"}",
+        "{\"message\": 74, \"kind\": 101, \"title\": \"scan: junk files\", \"readable\": true, "
+        "\"text\": \"1\\\\j2.00 KB\\\\j3\", \"fields\": {\"temporary_files\": 1, \"size\": "
+        "\"2.00 KB\", \"other_junk_files\": 3}}",
+        "{\"message\": 2035, \"title\": \"junk files cleaned\", \"readable\": true, \"fields\": "
+        "{\"junk_files\": 1, \"bytes\": 5, \"size\": \"0.00 KB\"}}",
+        "\"status\": \"completed\"\n}"}) {
+    EXPECT_NE(json.find(part), std::string::npos) << part << "\n" << json;
+  }
+  EXPECT_EQ(json.find("\"error\""), std::string::npos);
+  report.error = "no reply";
+  EXPECT_NE(JsonReport(report).find("\"error\": \"no reply\""), std::string::npos);
+}
+
+TEST(OverseerOutputTest, TableBlockPerReply) {
+  EXPECT_EQ(ReplyTable(DecodeCopyData(102, L"4\\s1.00 KB")),
+            "kind 102  scan: dead shortcuts\n"
+            "          dead shortcuts            4\n"
+            "          size                      1.00 KB\n");
+  // A count and its size share a line.
+  const std::string pcTable = ReplyTable(
+      DecodeCopyData(104, L"12\\pc   1.00 KB\\pc 0\\pc 0\\pc 0\\pc 0\\pc   0.00 KB\\pc 0\\pc   0.00 KB\\pc 3"));
+  const std::string pcStart =
+      "kind 104  scan: PC traces\n"
+      "          documents                 12      1.00 KB\n"
+      "          run history               0\n";
+  EXPECT_EQ(pcTable.substr(0, pcStart.size()), pcStart);
+  EXPECT_EQ(ReplyTable(DecodeMessage(2083, 2, 0)), "msg 2083  browser traces progress  step 2  done cookies\n");
+  EXPECT_NE(ReplyTable(DecodeCopyData(102, L"junk")).find("(not in the expected layout) text: junk"),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace overseer

@@ -1,0 +1,297 @@
+#include "overseer/command_line.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace overseer {
+
+namespace {
+
+std::string Narrow(std::wstring_view text) {
+  std::string out;
+  out.reserve(text.size());
+  // Names and numbers are ASCII; anything else becomes '?' and fails to match.
+  for (wchar_t c : text) out += (c > 0 && c < 128) ? static_cast<char>(c) : '?';
+  return out;
+}
+
+// Case-insensitive, with '-' and '_' alike, so "Address-Bar" names address_bar.
+std::string Normalised(std::string_view text) {
+  std::string out(text);
+  for (char& c : out) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    if (c == '-') c = '_';
+  }
+  return out;
+}
+
+std::string_view Trimmed(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+std::string Joined(std::span<const std::string_view> names) {
+  std::string out;
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (i) out += ", ";
+    out += names[i];
+  }
+  return out;
+}
+
+struct TargetName {
+  std::string_view name;
+  Target target;
+};
+
+constexpr TargetName kCleanTargets[] = {{"junk", Target::kJunk},       {"shortcuts", Target::kShortcuts},
+                                        {"recycle", Target::kRecycle}, {"browser", Target::kBrowser},
+                                        {"pc", Target::kPc},           {"plugins", Target::kPlugins}};
+constexpr TargetName kFixTargets[] = {{"registry", Target::kRegistry}, {"extensions", Target::kExtensions}};
+constexpr TargetName kStopTargets[] = {{"junk", Target::kJunk},
+                                       {"shortcuts", Target::kShortcuts},
+                                       {"recycle", Target::kRecycle},
+                                       {"browser", Target::kBrowser},
+                                       {"pc", Target::kPc},
+                                       {"plugins", Target::kPlugins},
+                                       {"registry", Target::kRegistry},
+                                       {"scan", Target::kScan}};
+
+std::string TargetList(std::span<const TargetName> targets) {
+  std::string out;
+  for (size_t i = 0; i < targets.size(); ++i) {
+    if (i) out += ", ";
+    out += targets[i].name;
+  }
+  return out;
+}
+
+std::string SwitchListHelp(std::span<const std::string_view> names) {
+  return "all, none, or a comma-separated list of " + Joined(names);
+}
+
+std::string WipeHelp() { return "0-8 or " + Joined(kWipeNames); }
+
+}  // namespace
+
+std::optional<unsigned> ParseWipeMethod(std::string_view value) {
+  if (value.size() == 1 && value[0] >= '0' && value[0] <= '8') return static_cast<unsigned>(value[0] - '0');
+  const std::string wanted = Normalised(value);
+  for (size_t i = 0; i < kWipeNames.size(); ++i) {
+    if (Normalised(kWipeNames[i]) == wanted) return static_cast<unsigned>(i);
+  }
+  return std::nullopt;
+}
+
+std::optional<std::vector<bool>> ParseSwitchList(std::string_view value, std::span<const std::string_view> names) {
+  const std::string list = Normalised(Trimmed(value));
+  if (list == "all") return std::vector<bool>(names.size(), true);
+  if (list == "none") return std::vector<bool>(names.size(), false);
+  std::vector<bool> on(names.size(), false);
+  std::string_view rest = list;
+  for (;;) {
+    const size_t comma = rest.find(',');
+    const std::string_view item = Trimmed(rest.substr(0, comma));
+    const auto found = std::find(names.begin(), names.end(), item);
+    if (item.empty() || found == names.end()) return std::nullopt;
+    on[static_cast<size_t>(found - names.begin())] = true;
+    if (comma == std::string_view::npos) break;
+    rest.remove_prefix(comma + 1);
+  }
+  return on;
+}
+
+std::string CommandName(Verb verb, Target target) {
+  std::string verbName;
+  switch (verb) {
+    case Verb::kScan:
+      return "scan";
+    case Verb::kClose:
+      return "close";
+    case Verb::kSettings:
+      return "settings";
+    case Verb::kClean:
+      verbName = "clean";
+      break;
+    case Verb::kFix:
+      verbName = "fix";
+      break;
+    case Verb::kStop:
+      verbName = "stop";
+      break;
+  }
+  for (std::span<const TargetName> table :
+       {std::span<const TargetName>(kStopTargets), std::span<const TargetName>(kFixTargets)}) {
+    for (const TargetName& entry : table) {
+      if (entry.target == target) return verbName + " " + std::string(entry.name);
+    }
+  }
+  return verbName;
+}
+
+ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
+  ParseResult result;
+  Options options;
+  std::vector<std::string> words;
+  auto refuse = [&result](std::string message) {
+    result.error = std::move(message);
+    return result;
+  };
+
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string arg = Narrow(args[i]);
+    if (arg.rfind("--", 0) != 0) {
+      words.push_back(arg);
+      continue;
+    }
+    std::string name = arg;
+    std::optional<std::wstring> inlineValue;
+    if (const size_t eq = arg.find('='); eq != std::string::npos) {
+      name = arg.substr(0, eq);
+      inlineValue = args[i].substr(eq + 1);
+    }
+    if (name == "--help") {
+      result.help = true;
+      return result;
+    }
+    if (name == "--json" || name == "--second-set" || name == "--keep-worker") {
+      if (inlineValue) return refuse(name + " takes no value");
+      if (name == "--json") options.json = true;
+      if (name == "--second-set") options.secondSet = true;
+      if (name == "--keep-worker") options.keepWorker = true;
+      continue;
+    }
+    static constexpr std::string_view kValued[] = {"--worker",  "--mode", "--timeout", "--wipe",
+                                                   "--browser", "--pc",   "--registry"};
+    if (std::find(std::begin(kValued), std::end(kValued), name) == std::end(kValued)) {
+      return refuse("unknown option " + name + " (overseer --help lists the options)");
+    }
+    std::wstring wideValue;
+    if (inlineValue) {
+      wideValue = *inlineValue;
+    } else if (i + 1 < args.size()) {
+      wideValue = args[++i];
+    } else {
+      return refuse(name + " needs a value");
+    }
+    const std::string value = Narrow(wideValue);
+    const std::string invalid = "invalid " + name + " value \"" + value + "\": valid values are ";
+
+    if (name == "--worker") {
+      if (wideValue.empty()) return refuse(invalid + "a path to scourel.exe");
+      options.workerPath = wideValue;
+    } else if (name == "--mode") {
+      if (value != "o") return refuse(invalid + "o");
+      options.mode = L"o";
+    } else if (name == "--timeout") {
+      char* end = nullptr;
+      const unsigned long seconds = value.empty() ? 0 : std::strtoul(value.c_str(), &end, 10);
+      if (value.empty() || *end != '\0' || value[0] == '-' || seconds < 1 || seconds > 86400) {
+        return refuse(invalid + "whole seconds from 1 to 86400");
+      }
+      options.timeoutSeconds = static_cast<unsigned>(seconds);
+    } else if (name == "--wipe") {
+      options.wipeMethod = ParseWipeMethod(value);
+      if (!options.wipeMethod) return refuse(invalid + WipeHelp());
+    } else if (name == "--browser") {
+      options.browser = ParseSwitchList(value, kBrowserNames);
+      if (!options.browser) return refuse(invalid + SwitchListHelp(kBrowserNames));
+    } else if (name == "--pc") {
+      options.pc = ParseSwitchList(value, kPcNames);
+      if (!options.pc) return refuse(invalid + SwitchListHelp(kPcNames));
+    } else if (name == "--registry") {
+      options.registry = ParseSwitchList(value, kRegistryNames);
+      if (!options.registry) return refuse(invalid + SwitchListHelp(kRegistryNames));
+    }
+  }
+
+  if (words.empty()) return refuse("no command given: valid commands are scan, clean, fix, stop, close, settings");
+  const std::string& verb = words[0];
+  auto needTarget = [&](Verb v, std::span<const TargetName> targets) -> std::optional<std::string> {
+    options.verb = v;
+    if (words.size() < 2) return verb + " needs a target: valid targets are " + TargetList(targets);
+    for (const TargetName& entry : targets) {
+      if (entry.name == words[1]) {
+        options.target = entry.target;
+        return std::nullopt;
+      }
+    }
+    return "invalid target \"" + words[1] + "\" for " + verb + ": valid targets are " + TargetList(targets);
+  };
+  size_t used = 1;
+  std::optional<std::string> targetError;
+  if (verb == "scan") {
+    options.verb = Verb::kScan;
+  } else if (verb == "close") {
+    options.verb = Verb::kClose;
+  } else if (verb == "settings") {
+    options.verb = Verb::kSettings;
+  } else if (verb == "clean") {
+    targetError = needTarget(Verb::kClean, kCleanTargets);
+    used = 2;
+  } else if (verb == "fix") {
+    targetError = needTarget(Verb::kFix, kFixTargets);
+    used = 2;
+  } else if (verb == "stop") {
+    targetError = needTarget(Verb::kStop, kStopTargets);
+    used = 2;
+  } else {
+    return refuse("unknown command \"" + verb + "\": valid commands are scan, clean, fix, stop, close, settings");
+  }
+  if (targetError) return refuse(*targetError);
+  if (words.size() > used)
+    return refuse("unexpected argument \"" + words[used] + "\" after " + CommandName(options.verb, options.target));
+  if (options.secondSet &&
+      (options.verb == Verb::kScan || (options.verb == Verb::kStop && options.target == Target::kScan))) {
+    return refuse("--second-set does not apply to the full scan, which has one command only");
+  }
+  result.options = std::move(options);
+  return result;
+}
+
+std::string UsageText() {
+  return "usage: overseer [options] COMMAND [TARGET]\n"
+         "\n"
+         "Drives the scourel.exe worker through its window messages and prints its replies.\n"
+         "\n"
+         "Commands:\n"
+         "  scan                       full scan; waits for all nine results\n"
+         "  clean TARGET               TARGET: " +
+         TargetList(kCleanTargets) +
+         "\n"
+         "  fix TARGET                 TARGET: " +
+         TargetList(kFixTargets) +
+         "\n"
+         "  stop TARGET                stops a task of the running worker; TARGET: " +
+         TargetList(kStopTargets) +
+         "\n"
+         "  close                      ends the running worker\n"
+         "  settings                   writes the settings options only; sends nothing\n"
+         "\n"
+         "Options:\n"
+         "  --worker PATH      scourel.exe to start (default: beside overseer.exe); a running\n"
+         "                     worker is used instead when there is one\n"
+         "  --mode o           start the worker with mode argument o (second set reads IDS_O keys)\n"
+         "  --second-set       use the second command set (plain or IDS_O settings keys)\n"
+         "  --timeout SECONDS  longest wait for the worker and between replies (default 300)\n"
+         "  --keep-worker      leave a worker that overseer started running\n"
+         "  --json             print one JSON document instead of the table\n"
+         "  --wipe METHOD      " +
+         WipeHelp() +
+         "\n"
+         "  --browser LIST     " +
+         SwitchListHelp(kBrowserNames) +
+         "\n"
+         "  --pc LIST          " +
+         SwitchListHelp(kPcNames) +
+         "\n"
+         "  --registry LIST    " +
+         SwitchListHelp(kRegistryNames) +
+         "\n"
+         "\n"
+         "A LIST switches on the categories named and off the others of that area.\n"
+         "Exit codes: 0 done, 1 worker failed or timed out, 2 invalid command line, 3 task stopped.\n";
+}
+
+}  // namespace overseer

@@ -1,0 +1,71 @@
+// overseer's command line: which command to send, to which worker, and the
+// settings to write first. Pure text handling, so it tests without Windows.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/protocol.h"
+
+namespace overseer {
+
+enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings };
+
+// What a clean, fix or stop acts on.
+enum class Target { kNone, kJunk, kShortcuts, kRecycle, kBrowser, kPc, kPlugins, kRegistry, kExtensions, kScan };
+
+inline constexpr unsigned kPcSwitchCount = 6;
+
+// Option names of the switches, in the order of the worker's settings keys.
+// The browser and registry names double as the reply field names.
+inline constexpr std::array<std::string_view, scourel::protocol::kBrowserCategoryCount> kBrowserNames = {
+    "cache",       "cookies",       "history", "autocomplete", "session", "download_history",
+    "address_bar", "program_files", "index",   "icons"};
+inline constexpr std::array<std::string_view, kPcSwitchCount> kPcNames = {
+    "documents", "run_history", "find_files", "network", "scan_disk_files", "registry_traces"};
+inline constexpr std::array<std::string_view, scourel::protocol::kRegistryCategoryCount> kRegistryNames = {
+    "current_user", "com",   "fonts", "association", "types",    "paths",
+    "dll",          "empty", "sound", "help",        "software", "deep_scan"};
+// Wipe methods by index 0..8.
+inline constexpr std::array<std::string_view, 9> kWipeNames = {"zero",  "random",   "dod3",    "pairs3",     "dod7",
+                                                               "vsitr", "pattern7", "gutmann", "gutmann-dod"};
+
+inline constexpr unsigned kDefaultTimeoutSeconds = 300;
+
+struct Options {
+  Verb verb = Verb::kScan;
+  Target target = Target::kNone;
+  bool secondSet = false;
+  bool json = false;
+  bool keepWorker = false;  // leave a worker we started running
+  std::wstring workerPath;  // empty: scourel.exe beside overseer.exe
+  std::wstring mode;        // mode argument for a worker we start
+  unsigned timeoutSeconds = kDefaultTimeoutSeconds;
+  std::optional<unsigned> wipeMethod;
+  std::optional<std::vector<bool>> browser;   // kBrowserNames order
+  std::optional<std::vector<bool>> pc;        // kPcNames order
+  std::optional<std::vector<bool>> registry;  // kRegistryNames order
+};
+
+struct ParseResult {
+  std::optional<Options> options;  // set when the line is valid
+  bool help = false;               // --help: print UsageText, exit 0
+  std::string error;               // why the line was refused
+};
+
+// args excludes the program name.
+ParseResult ParseCommandLine(const std::vector<std::wstring>& args);
+std::string UsageText();
+
+// "3", "dod7", "DOD7" -> 4 ... ; nullopt for anything else.
+std::optional<unsigned> ParseWipeMethod(std::string_view value);
+// "cache,cookies", "all", "none" over the given names; nullopt if any is unknown.
+std::optional<std::vector<bool>> ParseSwitchList(std::string_view value, std::span<const std::string_view> names);
+
+std::string CommandName(Verb verb, Target target);
+
+}  // namespace overseer

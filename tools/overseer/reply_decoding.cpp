@@ -1,0 +1,317 @@
+#include "overseer/reply_decoding.h"
+
+#include <cstdio>
+#include <cwchar>
+
+#include "host/protocol.h"
+#include "overseer/command_line.h"
+
+namespace overseer {
+
+namespace {
+
+namespace p = scourel::protocol;
+
+enum class Piece { kCount, kSize, kEmpty };
+
+struct Slot {
+  std::string name;
+  Piece piece;
+};
+
+std::wstring_view Trimmed(std::wstring_view text) {
+  while (!text.empty() && text.front() == L' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == L' ') text.remove_suffix(1);
+  return text;
+}
+
+std::vector<std::wstring_view> Split(std::wstring_view text, std::wstring_view separator) {
+  std::vector<std::wstring_view> pieces;
+  for (;;) {
+    const size_t at = text.find(separator);
+    pieces.push_back(text.substr(0, at));
+    if (at == std::wstring_view::npos) return pieces;
+    text.remove_prefix(at + separator.size());
+  }
+}
+
+bool IsCount(std::wstring_view text) {
+  if (!text.empty() && text.front() == L'-') text.remove_prefix(1);
+  if (text.empty() || text.size() > 19) return false;
+  for (wchar_t c : text) {
+    if (c < L'0' || c > L'9') return false;
+  }
+  return true;
+}
+
+bool IsSize(std::wstring_view text) {
+  if (text.size() < 4) return false;
+  const std::wstring_view unit = text.substr(text.size() - 3);
+  if (unit != L" KB" && unit != L" MB" && unit != L" GB") return false;
+  const std::wstring_view number = text.substr(0, text.size() - 3);
+  bool digit = false;
+  for (wchar_t c : number) {
+    if (c >= L'0' && c <= L'9') {
+      digit = true;
+    } else if (c != L'.' && c != L'-') {
+      return false;
+    }
+  }
+  return digit;
+}
+
+// Fills the reply's fields from pieces cut at the separator; false when the
+// pieces do not have the layout's types. Extra pieces past the layout are
+// ignored only when allowTail is set.
+bool Fill(DecodedReply& reply, std::wstring_view separator, const std::vector<Slot>& layout, bool allowTail = false) {
+  const std::vector<std::wstring_view> pieces = Split(reply.text, separator);
+  if (pieces.size() < layout.size() || (!allowTail && pieces.size() != layout.size())) return false;
+  std::vector<Field> fields;
+  for (size_t i = 0; i < layout.size(); ++i) {
+    const std::wstring_view piece = Trimmed(pieces[i]);
+    switch (layout[i].piece) {
+      case Piece::kCount:
+        if (!IsCount(piece)) return false;
+        fields.push_back({layout[i].name, std::wstring(piece), true});
+        break;
+      case Piece::kSize:
+        if (!IsSize(piece)) return false;
+        fields.push_back({layout[i].name, std::wstring(piece), false});
+        break;
+      case Piece::kEmpty:
+        if (!piece.empty()) return false;
+        break;
+    }
+  }
+  reply.fields = std::move(fields);
+  return true;
+}
+
+template <typename Names>
+std::vector<Slot> CountsThenEmpty(const Names& names) {
+  std::vector<Slot> layout;
+  for (std::string_view name : names) layout.push_back({std::string(name), Piece::kCount});
+  layout.push_back({"", Piece::kEmpty});
+  return layout;
+}
+
+std::vector<Slot> BrowserLayout() {
+  std::vector<Slot> layout;
+  for (std::string_view name : kBrowserNames) {
+    layout.push_back({std::string(name), Piece::kCount});
+    layout.push_back({std::string(name) + "_size", Piece::kSize});
+  }
+  // Every group ends with a separator, so the text ends with one.
+  layout.push_back({"", Piece::kEmpty});
+  return layout;
+}
+
+// The seven PC-traces counters of the completion and stop replies.
+const std::vector<Slot>& PcCounterLayout() {
+  static const std::vector<Slot> layout = {{"documents", Piece::kCount},      {"run_history", Piece::kCount},
+                                           {"find_files", Piece::kCount},     {"clipboard", Piece::kCount},
+                                           {"network", Piece::kCount},        {"scan_disk_files", Piece::kCount},
+                                           {"registry_traces", Piece::kCount}};
+  return layout;
+}
+
+std::string StepName(unsigned id, std::uintptr_t step) {
+  // Progress steps count from 1 in the order the task runs its steps.
+  static constexpr std::string_view kPcSteps[] = {"documents", "run_history", "find_files",
+                                                  "clipboard", "network",     "scan_disk_files"};
+  if (step < 1) return "";
+  if (id == p::kPcTracesProgress && step <= std::size(kPcSteps)) return std::string(kPcSteps[step - 1]);
+  if (id == p::kBrowserProgress && step <= kBrowserNames.size()) return std::string(kBrowserNames[step - 1]);
+  return "";
+}
+
+Field CountField(std::string name, long long value) { return {std::move(name), std::to_wstring(value), true}; }
+
+}  // namespace
+
+std::wstring SizeTextOfBytes(std::int64_t bytes) {
+  const double value = static_cast<double>(bytes);
+  wchar_t text[64];
+  if (value < 1048576.0) {
+    std::swprintf(text, 64, L"%.2f KB", value / 1024.0);
+  } else if (value < 1073741824.0) {
+    std::swprintf(text, 64, L"%.2f MB", value / 1048576.0);
+  } else {
+    std::swprintf(text, 64, L"%.2f GB", value / 1073741824.0);
+  }
+  return text;
+}
+
+DecodedReply DecodeCopyData(unsigned kind, std::wstring_view text) {
+  DecodedReply reply;
+  reply.id = kCopyDataMessage;
+  reply.kind = kind;
+  reply.text = std::wstring(text);
+  bool ok = false;
+  switch (kind) {
+    case p::kScanJunkFiles:
+      reply.title = "scan: junk files";
+      ok = Fill(reply, p::kSepJunk,
+                {{"temporary_files", Piece::kCount}, {"size", Piece::kSize}, {"other_junk_files", Piece::kCount}});
+      break;
+    case p::kScanShortcuts:
+      reply.title = "scan: dead shortcuts";
+      ok = Fill(reply, p::kSepShortcuts, {{"dead_shortcuts", Piece::kCount}, {"size", Piece::kSize}});
+      break;
+    case p::kScanRecycleBin:
+      reply.title = "scan: Recycle Bin";
+      ok = Fill(reply, p::kSepRecycleBin, {{"recycle_bin_items", Piece::kCount}, {"size", Piece::kSize}});
+      break;
+    case p::kScanPcTraces:
+      reply.title = "scan: PC traces";
+      ok = Fill(reply, p::kSepPcTraces,
+                {{"documents", Piece::kCount},
+                 {"documents_size", Piece::kSize},
+                 {"run_history", Piece::kCount},
+                 {"find_files", Piece::kCount},
+                 {"clipboard", Piece::kCount},
+                 {"network", Piece::kCount},
+                 {"network_size", Piece::kSize},
+                 {"scan_disk_files", Piece::kCount},
+                 {"scan_disk_files_size", Piece::kSize},
+                 {"registry_traces", Piece::kCount}});
+      break;
+    case p::kScanBrowser:
+    case p::kBrowserDone:
+    case p::kBrowserStopped:
+      reply.title = kind == p::kScanBrowser   ? "scan: browser traces"
+                    : kind == p::kBrowserDone ? "browser traces cleaned"
+                                              : "browser traces stopped";
+      ok = Fill(reply, p::kSepBrowser, BrowserLayout());
+      break;
+    case p::kScanPlugins:
+      reply.title = "scan: plug-ins";
+      ok = Fill(reply, p::kSepPlugins, {{"plugin_items", Piece::kCount}, {"size", Piece::kSize}});
+      break;
+    case p::kScanRegistry:
+      reply.title = "scan: registry";
+      ok = Fill(reply, p::kSepRegistry, CountsThenEmpty(kRegistryNames));
+      break;
+    case p::kScanExtensions:
+      reply.title = "scan: user profile and file extensions";
+      ok = Fill(reply, L"\n", {{"entries", Piece::kCount}});
+      break;
+    case p::kScanRegistryDone:
+      reply.title = "scan: registry done";
+      ok = text == p::kScanCompletedText;
+      if (ok) reply.fields.push_back({"text", std::wstring(text), false});
+      break;
+    case p::kPcTracesDone:
+      reply.title = "PC traces cleaned";
+      ok = Fill(reply, p::kSepPcTraces, PcCounterLayout());
+      break;
+    case p::kPcTracesStopped: {
+      // Only the first five counters, each with its separator, are reliable;
+      // what follows the fifth separator is not read.
+      reply.title = "PC traces stopped";
+      const std::vector<Slot> firstFive(PcCounterLayout().begin(), PcCounterLayout().begin() + 5);
+      // More than five pieces: the fifth counter is followed by its separator.
+      ok = Split(reply.text, p::kSepPcTraces).size() > 5 && Fill(reply, p::kSepPcTraces, firstFive, true);
+      break;
+    }
+    default:
+      reply.title = "unknown copy-data kind";
+      break;
+  }
+  reply.readable = ok;
+  if (!ok) reply.fields.clear();
+  return reply;
+}
+
+DecodedReply DecodeMessage(unsigned id, std::uintptr_t wParam, std::intptr_t lParam) {
+  DecodedReply reply;
+  reply.id = id;
+  // Counts are 32-bit signed counters widened to the pointer width.
+  const auto count = static_cast<std::int32_t>(static_cast<std::uint32_t>(wParam));
+  const auto bytes = static_cast<std::int64_t>(lParam);
+  auto countAndBytes = [&](std::string title, std::string countName) {
+    reply.title = std::move(title);
+    reply.fields.push_back(CountField(std::move(countName), count));
+    reply.fields.push_back(CountField("bytes", bytes));
+    reply.fields.push_back({"size", SizeTextOfBytes(bytes), false});
+  };
+  switch (id) {
+    case p::kJunkFilesDone:
+    case p::kJunkFilesDone2:
+      countAndBytes("junk files cleaned", "junk_files");
+      break;
+    case p::kJunkFilesStop:
+    case p::kJunkFilesStop2:
+      countAndBytes("junk files stopped", "junk_files");
+      break;
+    case p::kShortcutsDone:
+    case p::kShortcutsDone2:
+      countAndBytes("dead shortcuts cleaned", "dead_shortcuts");
+      break;
+    case p::kShortcutsStop:
+    case p::kShortcutsStop2:
+      countAndBytes("dead shortcuts stopped", "dead_shortcuts");
+      break;
+    case p::kRecycleBinDone:
+    case p::kRecycleBinDone2:
+      countAndBytes("Recycle Bin emptied", "recycle_bin_items");
+      break;
+    case p::kRecycleBinStop:
+    case p::kRecycleBinStop2:
+      countAndBytes("Recycle Bin stopped", "recycle_bin_items");
+      break;
+    case p::kRegistryFixDone:
+    case p::kRegistryFixDone2:
+      reply.title = "registry fixed";
+      break;
+    case p::kRegistryFixStop:
+      reply.title = "registry fix stopped";
+      break;
+    case p::kExtensionFixDone:
+    case p::kExtensionFixDone2:
+      reply.title = "file extensions fixed";
+      break;
+    case p::kPluginCleanDone:
+    case p::kPluginCleanDone2:
+      reply.title = "plug-in clean done";
+      break;
+    case p::kPluginCleanStop:
+    case p::kPluginCleanStop2:
+      reply.title = "plug-in clean stopped";
+      break;
+    case p::kBrowserDone2:
+      reply.title = "browser traces cleaned";
+      break;
+    case p::kBrowserStop2:
+      reply.title = "browser traces stopped";
+      break;
+    case p::kPcTracesDone2:
+      reply.title = "PC traces cleaned";
+      break;
+    case p::kPcTracesStop2:
+      reply.title = "PC traces stopped";
+      break;
+    case p::kPcTracesProgress:
+    case p::kBrowserProgress: {
+      reply.title = id == p::kPcTracesProgress ? "PC traces progress" : "browser traces progress";
+      reply.progress = true;
+      reply.fields.push_back(CountField("step", static_cast<long long>(wParam)));
+      const std::string step = StepName(id, wParam);
+      reply.fields.push_back({"done", std::wstring(step.begin(), step.end()), false});
+      break;
+    }
+    default:
+      reply.title = "unknown message";
+      reply.readable = false;
+      reply.fields.push_back(CountField("wparam", static_cast<long long>(wParam)));
+      reply.fields.push_back(CountField("lparam", static_cast<long long>(lParam)));
+      break;
+  }
+  return reply;
+}
+
+bool IsWorkerReply(unsigned id) {
+  return id == kCopyDataMessage || (id >= p::kJunkFilesStart && id <= p::kFullScanStop);
+}
+
+}  // namespace overseer
