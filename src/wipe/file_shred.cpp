@@ -1,27 +1,94 @@
-// Placeholder until the wipe methods land: renames and deletes without overwriting.
 #include "wipe/file_shred.h"
 
-#include <cstdio>
-
-#include "common/win.h"
+#include "wipe/obscure_name.h"
+#include "wipe/wipe_progress.h"
 
 namespace scourel {
 
-int CFileShred::Shred(const std::wstring& path, std::uint32_t) {
-  ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_ARCHIVE);
-  ::DeleteFileW(ObscureName(path).c_str());
+namespace {
+
+constexpr DWORD kReadWrite = 3;   // read data | write data
+constexpr DWORD kShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
+}  // namespace
+
+int CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
+  const DWORD attributes = io_.Attributes(path);
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY)) return 0;
+  // A symbolic link is deleted itself; its target is never written, and its
+  // attributes are not touched either (setting them would reach the target).
+  if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+    RenameAndDelete(path);
+    return 1;
+  }
+
+  // Clears read-only, hidden and system so the file opens and deletes.
+  io_.SetAttributes(path, FILE_ATTRIBUTE_ARCHIVE);
+  // Opening the link itself closes the gap between the check above and the
+  // open: a link swapped in meanwhile shows in the handle's attributes.
+  UniqueHandleKernel file = io_.OpenFile(path, kReadWrite, kShareReadWrite, FILE_FLAG_OPEN_REPARSE_POINT);
+  if (!file) return 0;
+
+  const std::wstring drive = path.substr(0, 2);
+  if (!volume_.GetGeometry(drive, io_)) return 0;
+  // Only the low 8 bits of sectors per cluster and the low 16 of bytes per
+  // sector count; a zero in either means the volume has no usable geometry.
+  const auto sectorsPerCluster = static_cast<std::uint8_t>(volume_.sectorsPerCluster);
+  bytesPerSector_ = static_cast<std::uint16_t>(volume_.bytesPerSector);
+  if (sectorsPerCluster == 0 || bytesPerSector_ == 0) return 0;
+  const std::uint32_t clusterSize = std::uint32_t{bytesPerSector_} * sectorsPerCluster;
+
+  std::uint64_t size = 0;
+  io_.FileSize(file.get(), &size);
+  // Other names of a hard-linked file share its data: overwriting would
+  // destroy theirs, so this name is only renamed and deleted.
+  DWORD handleAttributes = 0;
+  DWORD linkCount = 1;
+  const bool known = io_.Identity(file.get(), &handleAttributes, &linkCount);
+  const bool shared = !known || linkCount > 1 || (handleAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
+  if (!shared) {
+    Overwrite(file.get(), size, clusterSize, method);
+    io_.Flush(file.get());
+  }
+  io_.Close(file);
+  ReleaseRandomContext();
+
+  RenameAndDelete(path);
   return 1;
 }
 
-std::wstring CFileShred::ObscureName(const std::wstring& path) {
-  std::wstring renamed = path;
-  const auto slash = renamed.rfind(L'\\');
-  const auto start = slash == std::wstring::npos ? 0 : slash + 1;
-  const auto dot = renamed.rfind(L'.');
-  for (auto i = start; i < renamed.size(); ++i) {
-    if (!(dot != std::wstring::npos && dot >= start && i == dot)) renamed[i] = L'x';
+bool CFileShred::Overwrite(HANDLE file, std::uint64_t size, std::uint32_t clusterSize, std::uint32_t method) {
+  clusterCount_ = size / clusterSize + (size % clusterSize != 0 ? 1 : 0);
+  const std::uint32_t passes = PassCount(method);
+  io_.Seek(file, 0);
+  for (std::uint64_t k = 1; k <= clusterCount_; ++k) {
+    // The two spare bytes give the last step of a triple pattern its room;
+    // only the first clusterSize bytes of a pass are written.
+    BuildPasses(method, clusterSize + 2);
+    for (std::uint32_t pass = 0; pass < passes; ++pass) {
+      if (pass > 0) io_.Seek(file, (k - 1) * clusterSize);
+      if (head() == nullptr || !io_.Write(file, head()->bytes.get(), clusterSize)) return false;
+      PopPass();
+    }
+    ReportWipeProgress(WipePercent(k, clusterCount_));
+    io_.Seek(file, k * clusterSize);
   }
-  _wrename(path.c_str(), renamed.c_str());
+  return true;
+}
+
+void CFileShred::RenameAndDelete(const std::wstring& path) {
+  const std::wstring renamed = ObscureName(path);
+  // When the rename failed, the new name may belong to another file (an
+  // earlier "xxx" left behind, or the user's own): deleting it would take
+  // that file instead, so a file still under its old name stays.
+  const bool sameName = ::CompareStringOrdinal(path.c_str(), -1, renamed.c_str(), -1, TRUE) == CSTR_EQUAL;
+  if (!sameName && io_.Attributes(path) != INVALID_FILE_ATTRIBUTES) return;
+  io_.Delete(renamed);
+}
+
+std::wstring CFileShred::ObscureName(const std::wstring& path) {
+  std::wstring renamed = ObscuredPath(path);
+  io_.Rename(path, renamed);
   return renamed;
 }
 

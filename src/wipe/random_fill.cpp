@@ -1,0 +1,31 @@
+#include "wipe/random_fill.h"
+
+#include <cstdlib>
+#include <ctime>
+
+namespace scourel {
+
+UniqueCryptProvider AcquireRandomContext() {
+  HCRYPTPROV context = 0;
+  if (::CryptAcquireContextW(&context, nullptr, nullptr, PROV_RSA_FULL, 0) ||
+      ::CryptAcquireContextW(&context, nullptr, nullptr, PROV_RSA_FULL, CRYPT_NEWKEYSET)) {
+    return UniqueCryptProvider(context);
+  }
+  return UniqueCryptProvider();
+}
+
+bool FillFromContext(HCRYPTPROV context, std::uint8_t* bytes, std::size_t length) {
+  if (context == 0 || length > 0xFFFFFFFFu) return false;
+  return ::CryptGenRandom(context, static_cast<DWORD>(length), bytes) != FALSE;
+}
+
+std::uint8_t RandomFallbackByte(int r) {
+  return static_cast<std::uint8_t>(255.0 - r * (1.0 / 32768) * 255.0);
+}
+
+void FillFromRuntime(std::uint8_t* bytes, std::size_t length) {
+  std::srand(static_cast<unsigned>(std::time(nullptr)));
+  for (std::size_t i = 0; i < length; ++i) bytes[i] = RandomFallbackByte(std::rand());
+}
+
+}  // namespace scourel

@@ -1,0 +1,61 @@
+// The nine wipe methods as stacks of pass buffers. A method's passes are
+// pushed in reverse, so that taking the head each time writes them in the
+// method's order.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "common/relaxed.h"
+#include "common/unique_handle.h"
+#include "wipe/disk.h"
+
+namespace scourel {
+
+// Kept by the pass builder for the whole process: the length of the passes
+// being built and a buffer multiplier that is always 1.
+extern Relaxed<std::uint32_t> g_passLength;
+extern Relaxed<std::uint32_t> g_bufferMultiplier;
+
+struct PassNode {
+  std::unique_ptr<std::uint8_t[]> bytes;
+  std::unique_ptr<PassNode> next;
+  std::uint8_t pattern[3] = {};
+  std::uint8_t patternLength = 0;  // 0 for a random pass
+};
+
+class CEraserJunkData {
+ public:
+  CEraserJunkData();
+  virtual ~CEraserJunkData();
+  CEraserJunkData(const CEraserJunkData&) = delete;
+  CEraserJunkData& operator=(const CEraserJunkData&) = delete;
+
+  // 0,1 -> 1; 2,3 -> 3; 4..6 -> 7; 7 -> 35; 8 -> 38; anything else -> 0.
+  static std::uint32_t PassCount(std::uint32_t method);
+
+  // Pushes every pass of `method`, each `length` bytes long; nothing above 8.
+  void BuildPasses(std::uint32_t method, std::uint32_t length);
+  void AddFillPass(std::uint8_t b);
+  void AddPairPass(std::uint8_t b0, std::uint8_t b1);
+  void AddTriplePass(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2);
+  void AddRandomPass();
+  void PopPass();
+
+  const PassNode* head() const { return head_.get(); }
+
+ protected:
+  // Drops the provider context that random passes share until the next one.
+  void ReleaseRandomContext() { randomContext_.reset(); }
+
+  CDisk volume_;     // cluster geometry of the file being wiped
+  CDisk spareDisk_;  // for the free-space wiper
+
+ private:
+  PassNode& PushPass();
+
+  std::unique_ptr<PassNode> head_;
+  UniqueCryptProvider randomContext_;
+};
+
+}  // namespace scourel
