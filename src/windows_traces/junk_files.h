@@ -7,7 +7,8 @@ namespace scourel {
 // temporary files, log files and error reports and counts crash dumps.
 void CleanJunkFiles();
 // The full scan's junk-file step: measures the same places, erases nothing.
-// Fills the two junk-file counters and the byte total.
+// Adds to the two junk-file counters and the byte total exactly what the
+// task would on the same disk; the caller resets them first.
 void MeasureJunkFiles();
 
 }  // namespace scourel

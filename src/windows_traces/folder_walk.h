@@ -1,0 +1,33 @@
+// Listing one folder for the cleaner walks.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "common/win.h"
+
+namespace scourel {
+
+// Calls `visit` for every entry FindFirstFileW/FindNextFileW give for the
+// pattern, "." and ".." included. Stops early once the task is stopped, so a
+// stopped task makes no further change. A pattern that cannot be listed
+// yields nothing.
+void ForEachEntry(const std::wstring& pattern, const std::function<void(const WIN32_FIND_DATAW&)>& visit);
+
+inline bool IsDotEntry(const WIN32_FIND_DATAW& entry) {
+  const std::wstring_view name = entry.cFileName;
+  return name == L"." || name == L"..";
+}
+inline bool IsFolder(const WIN32_FIND_DATAW& entry) {
+  return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+// Junctions and symbolic links: never entered, never shredded through.
+inline bool IsReparsePoint(const WIN32_FIND_DATAW& entry) {
+  return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+inline std::uint64_t EntrySize(const WIN32_FIND_DATAW& entry) {
+  return (static_cast<std::uint64_t>(entry.nFileSizeHigh) << 32) | entry.nFileSizeLow;
+}
+
+}  // namespace scourel
