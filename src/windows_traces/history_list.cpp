@@ -1,0 +1,92 @@
+#include "windows_traces/history_list.h"
+
+#include <cstring>
+
+#include "common/task_stop.h"
+
+namespace scourel {
+
+namespace {
+
+UniqueRegKey OpenListKey(HKEY root, const std::wstring& path) {
+  UniqueRegKey key;
+  if (::RegOpenKeyExW(root, path.c_str(), 0, KEY_ALL_ACCESS, key.put()) != ERROR_SUCCESS) key.release();
+  return key;
+}
+
+DWORD ValueCount(HKEY key) {
+  DWORD values = 0;
+  if (::RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr, nullptr,
+                         nullptr, nullptr) != ERROR_SUCCESS) {
+    return 0;
+  }
+  return values;
+}
+
+}  // namespace
+
+std::wstring HistoryEntryText(std::wstring_view keyPath, std::wstring_view valueName) {
+  std::wstring text = L"HKEY_CURRENT_USER\\";
+  text.append(keyPath).append(L"\\").append(valueName).append(L"\\");
+  return text;
+}
+
+bool IsMruListData(const BYTE* data) {
+  return std::strcmp(reinterpret_cast<const char*>(data), "MRUListEx") == 0;
+}
+
+bool ReadHistoryValue(HKEY key, DWORD index, HistoryListBuffers& buffers, DWORD& length) {
+  // The system may leave a longer length behind (the size a failed read
+  // needed); the buffers hold no more than the starting length.
+  if (length > kHistoryLengthStart) length = kHistoryLengthStart;
+  DWORD type = 0;
+  const LSTATUS status =
+      ::RegEnumValueW(key, index, buffers.name, &length, nullptr, &type, buffers.data, &length);
+  if (length > kHistoryLengthStart) length = kHistoryLengthStart;
+  return status == ERROR_SUCCESS;
+}
+
+int CountHistoryValues(HKEY root, const std::wstring& path, HistoryListBuffers& buffers, bool skipMruListData,
+                       Relaxed<std::int32_t>& counter) {
+  const UniqueRegKey key = OpenListKey(root, path);
+  if (!key) return 0;
+  const DWORD values = ValueCount(key.get());
+  DWORD length = kHistoryLengthStart;
+  int counted = 0;
+  for (DWORD index = 0; index < values; ++index) {
+    if (TaskStopRequested()) break;
+    // A failed read still counts: the entry is there, only its text is stale.
+    ReadHistoryValue(key.get(), index, buffers, length);
+    if (skipMruListData && IsMruListData(buffers.data)) continue;
+    const std::wstring text = HistoryEntryText(path, buffers.name);
+    (void)text;  // made for every entry, shown nowhere
+    counter.add(1);
+    ++counted;
+  }
+  return counted;
+}
+
+int EraseHistoryKey(HKEY root, const std::wstring& path, HistoryListBuffers& buffers,
+                    Relaxed<std::int32_t>& counter, CountMode mode) {
+  const UniqueRegKey key = OpenListKey(root, path);
+  const auto values = static_cast<std::int32_t>(key ? ValueCount(key.get()) : 0);
+  if (mode == CountMode::kSet) {
+    counter.set(values);
+  } else {
+    counter.add(values);
+  }
+
+  int deleted = 0;
+  if (key) {
+    DWORD length = kHistoryLengthStart;
+    while (!TaskStopRequested() && ReadHistoryValue(key.get(), 0, buffers, length) &&
+           ::RegDeleteValueW(key.get(), buffers.name) == ERROR_SUCCESS) {
+      ++deleted;
+    }
+  }
+  // Whatever the loop left goes with the key; a missing key fails harmlessly.
+  if (!TaskStopRequested()) ::SHDeleteKeyW(root, path.c_str());
+  return deleted;
+}
+
+}  // namespace scourel
