@@ -73,19 +73,6 @@ OverseerRun RunOverseer(const std::wstring& arguments, unsigned limitMs) {
   return run;
 }
 
-void CloseRunningWorkers() {
-  for (int i = 0; i < 50; ++i) {
-    HWND stray = ::FindWindowW(protocol::kWorkerClass, nullptr);
-    if (!stray) return;
-    DWORD pid = 0;
-    ::GetWindowThreadProcessId(stray, &pid);
-    UniqueHandleKernel process(::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, pid));
-    ::PostMessageW(stray, WM_CLOSE, 0, 0);
-    if (process && ::WaitForSingleObject(process.get(), 2000) != WAIT_OBJECT_0) ::TerminateProcess(process.get(), 1);
-    ::Sleep(20);
-  }
-}
-
 SilentWorker::SilentWorker(unsigned hangMs) {
   g_hangMs = hangMs;
   ready_.reset(::CreateEventW(nullptr, TRUE, FALSE, nullptr));

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "common/unique_handle.h"
+#include "support/fixtures.h"
 
 namespace scourel::test {
 
@@ -18,9 +19,6 @@ struct OverseerRun {
 
 // arguments: everything after the program name.
 OverseerRun RunOverseer(const std::wstring& arguments, unsigned limitMs = 120000);
-
-// Closes any SCOUREL_CLASS window left running, so overseer starts its own.
-void CloseRunningWorkers();
 
 // A SCOUREL_CLASS window on a thread of this process that takes every
 // command and replies to none. With hangMs, its window procedure also takes

@@ -60,7 +60,10 @@ void RemoveTree(const std::wstring& path) {
       } while (::FindNextFileW(find.get(), &entry));
     }
   }
-  if (!::RemoveDirectoryW(path.c_str())) ::DeleteFileW(path.c_str());
+  if (!::RemoveDirectoryW(path.c_str()) && !::DeleteFileW(path.c_str()) &&
+      (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+    RemoveUnixLink(path);
+  }
 }
 
 ScratchDir::ScratchDir(const std::wstring& name) : path_(L"C:\\scourel-tests\\" + name) {
@@ -137,6 +140,14 @@ bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link) {
   return RunUnix(L"ln -s '" + Widen(UnixPath(target)) + L"' '" + Widen(UnixPath(link)) + L"'", link);
 }
 
+void RemoveUnixLink(const std::wstring& link) {
+  if (!PathExists(link)) return;
+  const std::string unix = UnixPath(link);
+  RunAndWait(L"start.exe /unix /bin/rm -f \"" + std::wstring(unix.begin(), unix.end()) + L"\"");
+  // start.exe does not wait for a Unix program: wait for its effect.
+  for (int i = 0; i < 200 && PathExists(link); ++i) ::Sleep(25);
+}
+
 bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link) {
   return RunUnix(L"ln '" + Widen(UnixPath(existing)) + L"' '" + Widen(UnixPath(link)) + L"'", link);
 }
@@ -169,6 +180,19 @@ int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs) {
   DWORD code = 0;
   ::GetExitCodeProcess(process.get(), &code);
   return static_cast<int>(code);
+}
+
+void CloseRunningWorkers() {
+  for (int i = 0; i < 50; ++i) {
+    HWND stray = ::FindWindowW(L"SCOUREL_CLASS", nullptr);
+    if (!stray) return;
+    DWORD pid = 0;
+    ::GetWindowThreadProcessId(stray, &pid);
+    UniqueHandleKernel process(::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, pid));
+    ::PostMessageW(stray, WM_CLOSE, 0, 0);
+    if (process && ::WaitForSingleObject(process.get(), 2000) != WAIT_OBJECT_0) ::TerminateProcess(process.get(), 1);
+    ::Sleep(20);
+  }
 }
 
 std::wstring ProgramDir() {

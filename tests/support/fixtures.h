@@ -54,6 +54,8 @@ std::string UnixPath(const std::wstring& windowsPath);
 // folder as a reparse point.
 bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link);
 bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link);
+// Removes a link made from the host side (Wine cannot delete those itself).
+void RemoveUnixLink(const std::wstring& link);
 
 // HKCU\Software\ScourelTests\<name>, created fresh and deleted afterwards.
 class ScratchKey {
@@ -72,6 +74,9 @@ class ScratchKey {
 
 // Runs a program and waits for it; returns its exit code or -1.
 int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs = 60000);
+
+// Closes (or ends) every worker window left by an earlier test.
+void CloseRunningWorkers();
 
 // The folder of the running test program (build\bin).
 std::wstring ProgramDir();

@@ -14,25 +14,11 @@ thread_local WorkerHarness* t_harness = nullptr;
 
 bool IsReply(UINT id) { return id == WM_COPYDATA || (id >= 2034 && id <= 2088); }
 
-void CloseStrayWorkers() {
-  // A worker left by an earlier test would answer our commands.
-  for (int i = 0; i < 50; ++i) {
-    HWND stray = ::FindWindowW(protocol::kWorkerClass, nullptr);
-    if (!stray) return;
-    DWORD pid = 0;
-    ::GetWindowThreadProcessId(stray, &pid);
-    UniqueHandleKernel process(::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, pid));
-    ::PostMessageW(stray, WM_CLOSE, 0, 0);
-    if (process && ::WaitForSingleObject(process.get(), 2000) != WAIT_OBJECT_0) ::TerminateProcess(process.get(), 1);
-    ::Sleep(20);
-  }
-}
-
 }  // namespace
 
 WorkerHarness::WorkerHarness(const std::wstring& name, const std::wstring& modeArgument, bool controller)
     : root_(L"C:\\scourel-tests\\" + name) {
-  CloseStrayWorkers();
+  CloseRunningWorkers();  // a worker left by an earlier test would answer our commands
   RemoveTree(root_);
   MakeDirs(root_ + L"\\bin");
   const std::wstring exe = root_ + L"\\bin\\scourel.exe";

@@ -70,7 +70,7 @@ TEST_F(CredentialsTest, ALinkedFolderInsideIsNeverEntered) {
   VisitCredentialFiles(base_.path(), true);
   EXPECT_EQ(NetworkCount(), 2);
   EXPECT_EQ(canary_.Damage(), L"");
-  RemoveHostLink(Folder() + L"\\linked");
+  RemoveUnixLink(Folder() + L"\\linked");
 }
 
 // Through the shell's own folders: roaming then local.

@@ -5,14 +5,6 @@
 
 namespace scourel::test {
 
-void RemoveUnixLink(const std::wstring& link) {
-  if (!PathExists(link)) return;
-  const std::string unix = UnixPath(link);
-  RunAndWait(L"start.exe /unix /bin/rm -f \"" + std::wstring(unix.begin(), unix.end()) + L"\"");
-  // start.exe does not wait for a Unix program: wait for its effect.
-  for (int i = 0; i < 200 && PathExists(link); ++i) ::Sleep(25);
-}
-
 std::wstring TempDir() {
   wchar_t buffer[MAX_PATH + 2] = {};
   ::GetTempPathW(MAX_PATH + 2, buffer);

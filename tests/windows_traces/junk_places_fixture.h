@@ -46,7 +46,6 @@ class PlantedJunk {
 
 // Removes a link made by MakeUnixSymlink from the host side (Wine's own
 // RemoveDirectoryW and DeleteFileW refuse a link to a folder).
-void RemoveUnixLink(const std::wstring& link);
 
 std::wstring TempDir();
 std::wstring LocalAppDataDir();

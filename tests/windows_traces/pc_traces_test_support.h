@@ -25,14 +25,6 @@ inline void PlantFile(const std::wstring& path, const std::string& bytes) {
 }
 
 // Wine cannot delete a host-side folder link from inside; the host can.
-inline void RemoveHostLink(const std::wstring& link) {
-  if (!PathExists(link)) return;
-  const std::string unix = UnixPath(link);
-  RunAndWait(L"start.exe /unix /bin/rm -f \"" + std::wstring(unix.begin(), unix.end()) + L"\"");
-  // start.exe does not wait for a Unix program: wait for its effect.
-  for (int i = 0; i < 200 && PathExists(link); ++i) ::Sleep(25);
-}
-
 inline void ResetPcCounters() {
   for (auto& counter : g_totals.pcTraces) counter.set(0);
   g_totals.byteTotal.set(0.0f);

@@ -70,7 +70,7 @@ TEST(RecentDocumentsLinksTest, FoldersAndFolderLinksNamedLikeShortcutsAreCounted
   EXPECT_EQ(g_totals.pcTraces[kPcDocuments].get(), 2);
   EXPECT_EQ(ReadFileBytes(recent / L"album.lnk\\photo.lnk"), "keep");
   EXPECT_EQ(canary.Damage(), L"");
-  RemoveHostLink(recent / L"elsewhere.lnk");
+  RemoveUnixLink(recent / L"elsewhere.lnk");
 }
 
 TEST(RecentDocumentsShellFolderTest, TheUsersRecentFolderIsCleaned) {

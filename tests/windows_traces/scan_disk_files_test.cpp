@@ -49,7 +49,7 @@ class ScanDiskFilesTest : public ::testing::Test {
     MakeUnixSymlink(canary_.root(), root + L"\\FOUND.003");
     PlantFile(canary_.root() + L"\\FILE0000.CHK", "canary");
   }
-  void TearDown() override { RemoveHostLink(root_ / L"FOUND.003"); }
+  void TearDown() override { RemoveUnixLink(root_ / L"FOUND.003"); }
   int ScanDiskCount() const { return g_totals.pcTraces[kPcScanDiskFiles].get(); }
 
   ScratchDir root_{L"pctraces-scandisk"};
