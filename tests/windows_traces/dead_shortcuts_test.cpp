@@ -2,114 +2,62 @@
 
 #include <gtest/gtest.h>
 
-#include "host/task_totals.h"
-#include "junk_places_fixture.h"
-#include "shortcut_fixture.h"
-#include "support/fixtures.h"
+#include "windows_traces/traces_fixture.h"
 
 namespace scourel::test {
 namespace {
 
-std::uint64_t FileSize(const std::wstring& path) {
-  WIN32_FILE_ATTRIBUTE_DATA data{};
-  if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return 0;
-  return (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
-}
+// Shortcuts in the three places the walk visits, with targets in a scratch
+// folder; the dead ones lose their target after saving. This program does not
+// run as Windows 6.2, so a "Windows\system32" target is taken as it stands.
+TEST(DeadShortcutsTest, MeasureCountsThenCleanShredsOnlyDeadShortcutsOutsideAccessories) {
+  CleanAwayExistingDeadShortcuts();
+  ScratchDir targets(L"shortcut-targets");
+  ScratchDir canaryDir(L"shortcut-canary");
+  CanaryTree canary(canaryDir / L"tree");
+  const std::wstring profile = ShellFolderPath(CSIDL_PROFILE) + L"\\scourel-shortcuts";
+  const std::wstring menu = CommonStartMenuDir() + L"\\Programs\\scourel-test";
+  const std::wstring accessories = CommonStartMenuDir() + L"\\Programs\\Accessories\\scourel-test";
+  const std::wstring system32 = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-probe.txt";
+  const std::wstring dead[] = {PublicDesktopDir() + L"\\scourel-dead.lnk", menu + L"\\dead.lnk"};
+  MakeDirs(targets / L"folder");
+  for (const wchar_t* name : {L"alive.txt", L"gone.txt", L"gone2.txt"}) WriteFileBytes(targets / name, "x");
+  WriteFileBytes(system32, "probe");
+  for (const std::wstring& folder : {profile, menu, accessories, PublicDesktopDir()}) MakeDirs(folder);
+  for (const std::wstring& link : dead) ASSERT_TRUE(CreateShortcut(link, targets / L"gone.txt"));
+  const std::pair<std::wstring, std::wstring> kept[] = {
+      {profile + L"\\live.lnk", targets / L"alive.txt"}, {profile + L"\\folder.LNK", targets / L"folder"},
+      {accessories + L"\\dead-accessory.lnk", targets / L"gone.txt"}, {profile + L"\\system32.lnk", system32},
+      // Reached only through a folder link inside the profile.
+      {canaryDir / L"dead-in-canary.lnk", targets / L"gone2.txt"}};
+  for (const auto& [link, target] : kept) ASSERT_TRUE(CreateShortcut(link, target));
+  const std::string canaryBytes = ReadFileBytes(canaryDir / L"dead-in-canary.lnk");
+  ASSERT_TRUE(MakeUnixSymlink(canaryDir.path(), profile + L"\\linked"));
+  ::DeleteFileW((targets / L"gone.txt").c_str());
+  ::DeleteFileW((targets / L"gone2.txt").c_str());
+  const std::uint64_t deadSize = FileSize(dead[0]) + FileSize(dead[1]);
 
-// Shortcuts planted in the three places the walk visits, with targets made
-// in a scratch folder; the dead ones lose their target after saving.
-class DeadShortcutsTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    CleanAwayExistingDeadShortcuts();
-    MakeDirs(targets_ / L"folder");
-    WriteFileBytes(targets_ / L"alive.txt", "alive");
-    WriteFileBytes(targets_ / L"gone.txt", "gone");
-    WriteFileBytes(targets_ / L"gone2.txt", "gone");
-    MakeDirs(profileDir_);
-    MakeDirs(accessories_);
-    MakeDirs(PublicDesktopDir());
-    ASSERT_TRUE(CreateShortcut(publicDead_, targets_ / L"gone.txt"));
-    MakeDirs(menuDir_);
-    ASSERT_TRUE(CreateShortcut(menuDead_, targets_ / L"gone.txt"));
-    ASSERT_TRUE(CreateShortcut(profileDir_ + L"\\live.lnk", targets_ / L"alive.txt"));
-    ASSERT_TRUE(CreateShortcut(profileDir_ + L"\\folder.LNK", targets_ / L"folder"));
-    ASSERT_TRUE(CreateShortcut(accessories_ + L"\\dead-accessory.lnk", targets_ / L"gone.txt"));
-    // A folder link inside the profile leads to a canary holding a dead shortcut.
-    ASSERT_TRUE(CreateShortcut(canaryDir_ / L"dead-in-canary.lnk", targets_ / L"gone2.txt"));
-    canaryBytes_ = ReadFileBytes(canaryDir_ / L"dead-in-canary.lnk");
-    RemoveUnixLink(profileDir_ + L"\\linked");
-    ASSERT_TRUE(MakeUnixSymlink(canaryDir_.path(), profileDir_ + L"\\linked"));
-    ::DeleteFileW((targets_ / L"gone.txt").c_str());
-    ::DeleteFileW((targets_ / L"gone2.txt").c_str());
-    g_totals.junkSecond.set(0);
-  }
-  void TearDown() override {
-    RemoveUnixLink(profileDir_ + L"\\linked");
-    RemoveTree(profileDir_);
-    RemoveTree(accessories_);
-    RemoveTree(menuDir_);
-    ::DeleteFileW(publicDead_.c_str());
-    g_totals.junkSecond.set(0);
-    g_totals.byteTotal.set(0.0f);
-  }
-
-  ScratchDir targets_{L"shortcut-targets"};
-  ScratchDir canaryDir_{L"shortcut-canary"};
-  CanaryTree canary_{canaryDir_ / L"tree"};
-  std::string canaryBytes_;
-  std::wstring profileDir_ = ProfileDir() + L"\\scourel-shortcuts";
-  std::wstring accessories_ = CommonStartMenuDir() + L"\\Programs\\Accessories\\scourel-test";
-  std::wstring publicDead_ = PublicDesktopDir() + L"\\scourel-dead.lnk";
-  std::wstring menuDir_ = CommonStartMenuDir() + L"\\Programs\\scourel-test";
-  std::wstring menuDead_ = menuDir_ + L"\\dead.lnk";
-};
-
-TEST_F(DeadShortcutsTest, DeadShortcutIsShreddedAndCountedOthersKept) {
-  const std::uint64_t deadSize = FileSize(publicDead_) + FileSize(menuDead_);
-  ASSERT_GT(deadSize, 0u);
-
-  CleanDeadShortcuts();
-
-  EXPECT_EQ(g_totals.junkSecond.get(), 2);
-  EXPECT_EQ(g_totals.byteTotal.get(), static_cast<float>(deadSize));
-  EXPECT_FALSE(PathExists(publicDead_));
-  EXPECT_FALSE(PathExists(menuDead_));
-  EXPECT_TRUE(PathExists(profileDir_ + L"\\live.lnk"));
-  EXPECT_TRUE(PathExists(profileDir_ + L"\\folder.LNK"));
-  EXPECT_TRUE(PathExists(accessories_ + L"\\dead-accessory.lnk"));
-  EXPECT_EQ(ReadFileBytes(canaryDir_ / L"dead-in-canary.lnk"), canaryBytes_);
-  EXPECT_EQ(canary_.Damage(), L"");
-}
-
-TEST_F(DeadShortcutsTest, MeasureCountsWithoutSizeOrErasing) {
   g_totals.byteTotal.set(123.0f);
   MeasureDeadShortcuts();
   EXPECT_EQ(g_totals.junkSecond.get(), 2);
   EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);
-  EXPECT_TRUE(PathExists(publicDead_));
-  EXPECT_TRUE(PathExists(menuDead_));
+  for (const std::wstring& link : dead) EXPECT_TRUE(PathExists(link));
 
   g_totals.junkSecond.set(0);
   CleanDeadShortcuts();
   EXPECT_EQ(g_totals.junkSecond.get(), 2);
-  EXPECT_EQ(canary_.Damage(), L"");
-}
+  EXPECT_EQ(g_totals.byteTotal.get(), static_cast<float>(deadSize));
+  for (const std::wstring& link : dead) EXPECT_FALSE(PathExists(link));
+  for (const auto& [link, target] : kept) EXPECT_TRUE(PathExists(link)) << link;
+  EXPECT_EQ(ReadFileBytes(canaryDir / L"dead-in-canary.lnk"), canaryBytes);
+  EXPECT_EQ(canary.Damage(), L"");
 
-// This test program does not run as Windows 6.2, so a target in
-// "Windows\system32" is taken as it stands and found alive.
-TEST_F(DeadShortcutsTest, System32TargetIsAliveWithoutTheRewrite) {
-  const std::wstring target = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-probe.txt";
-  WriteFileBytes(target, "probe");
-  const std::wstring link = profileDir_ + L"\\system32.lnk";
-  ASSERT_TRUE(CreateShortcut(link, target));
-  ASSERT_EQ(ShortcutTarget(link), target);
-
-  CleanDeadShortcuts();
-
-  EXPECT_TRUE(PathExists(link));
-  EXPECT_EQ(g_totals.junkSecond.get(), 2);
-  ::DeleteFileW(target.c_str());
+  RemoveUnixLink(profile + L"\\linked");
+  for (const std::wstring& folder : {profile, menu, accessories}) RemoveTree(folder);
+  ::DeleteFileW(dead[0].c_str());
+  ::DeleteFileW(system32.c_str());
+  g_totals.junkSecond.set(0);
+  g_totals.byteTotal.set(0.0f);
 }
 
 }  // namespace

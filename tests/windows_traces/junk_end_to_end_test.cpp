@@ -2,31 +2,52 @@
 // full scan and for the three tasks, carry exactly the planted numbers.
 #include <gtest/gtest.h>
 
-#include "common/unique_handle.h"
-#include "common/win.h"
 #include "host/protocol.h"
 #include "host/reply_text.h"
-#include "host/task_totals.h"
-#include "junk_places_fixture.h"
-#include "recycle_bin_fixture.h"
-#include "shortcut_fixture.h"
-#include "support/fixtures.h"
 #include "support/worker_harness.h"
-#include "windows_traces/dead_shortcuts.h"
 #include "windows_traces/junk_files.h"
+#include "windows_traces/traces_fixture.h"
 
 namespace scourel::test {
 namespace {
 
 using namespace protocol;
 
-std::uint64_t FileSize(const std::wstring& path) {
-  WIN32_FILE_ATTRIBUTE_DATA data{};
-  if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return 0;
-  return (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
-}
-
-void EmptyBin() { ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND); }
+// Junk in the real places the task walks, with links from the temp and
+// report folders to a canary that must survive.
+struct PlantedJunk {
+  explicit PlantedJunk(const std::wstring& tag) {
+    const std::wstring windows = WindowsDir();
+    const std::wstring sharedWer = windows.substr(0, 3) + L"ProgramData\\Microsoft\\Windows\\WER\\" + tag;
+    const std::wstring userWer = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Windows\\WER\\" + tag;
+    wchar_t temp[MAX_PATH + 2] = {};
+    ::GetTempPathW(MAX_PATH + 2, temp);
+    tempSub = temp + tag;
+    MakeDirs(tempSub + L"\\nested\\deeper");
+    // Two temporary files (first counter); a dump, two logs, two reports (second).
+    erased = {{tempSub + L"\\readonly.tmp", 1000}, {windows + L"\\temp\\" + tag + L".tmp", 300},
+              {windows + L"\\Logs\\CBS\\" + tag + L"\\CBS.log", 250}, {windows + L"\\" + tag + L".LOG", 60},
+              {sharedWer + L"\\ReportQueue\\Report.wer", 100}, {userWer + L"\\Report.wer", 50}};
+    for (const auto& [path, size] : erased) PlantFile(path, std::string(size, 'j'));
+    ::SetFileAttributesW(erased[0].first.c_str(), FILE_ATTRIBUTE_READONLY);
+    dump = windows + L"\\Minidump\\" + tag + L".dmp";
+    PlantFile(dump, std::string(700, 'd'));
+    cleanup = {tempSub, erased[1].first, dump, windows + L"\\Logs\\CBS\\" + tag, erased[3].first, sharedWer, userWer};
+    links = {tempSub + L"\\link-to-canary", sharedWer + L"\\link-to-canary"};
+    for (const std::wstring& link : links) ok = MakeUnixSymlink(canary.root(), link) && ok;
+  }
+  ~PlantedJunk() {
+    for (const std::wstring& link : links) RemoveUnixLink(link);
+    for (const std::wstring& path : cleanup) RemoveTree(path);
+  }
+  ScratchDir canaryDir{L"junk-e2e-canary"};
+  CanaryTree canary{canaryDir.path()};
+  std::wstring tempSub, dump;
+  std::vector<std::pair<std::wstring, int>> erased;
+  std::vector<std::wstring> cleanup, links;
+  bool ok = true;
+  const float bytes = 1000 + 300 + 700 + 250 + 60 + 100 + 50;
+};
 
 TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   WorkerHarness worker(L"junk-e2e");
@@ -40,8 +61,7 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   // What stays counted after a clean (crash dumps, for one).
   ResetForJunkFileScan();
   MeasureJunkFiles();
-  const std::int32_t baseFirst = g_totals.junkFirst.get();
-  const std::int32_t baseSecond = g_totals.junkSecond.get();
+  const std::int32_t baseFirst = g_totals.junkFirst.get(), baseSecond = g_totals.junkSecond.get();
   const float baseBytes = g_totals.byteTotal.get();
   ResetForJunkFileScan();
   MeasureDeadShortcuts();
@@ -49,7 +69,7 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   ResetForJunkFileScan();
 
   PlantedJunk junk(L"junk-e2e");
-  ASSERT_TRUE(junk.ok());
+  ASSERT_TRUE(junk.ok);
   ScratchDir targets(L"junk-e2e-targets");
   WriteFileBytes(targets / L"gone.txt", "gone");
   const std::wstring deadLink = PublicDesktopDir() + L"\\scourel-e2e-dead.lnk";
@@ -60,25 +80,31 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   ASSERT_TRUE(PlantRecycledFiles(targets / L"bin", 3, 1000));
   const int roots = DriveRootCount();
 
+  // The full scan measures and erases nothing.
   worker.Send(kFullScanStart);
   const auto scanJunk = worker.WaitForCopyData(kScanJunkFiles);
   const auto scanShortcuts = worker.WaitForCopyData(kScanShortcuts);
   const auto scanBin = worker.WaitForCopyData(kScanRecycleBin);
   ASSERT_TRUE(worker.WaitForCopyData(kScanPlugins));  // the scan has ended
   ASSERT_TRUE(scanJunk && scanShortcuts && scanBin);
-  const float junkBytes = baseBytes + junk.bytes();
-  EXPECT_EQ(scanJunk->text, JunkScanText(baseFirst + junk.first(), junkBytes, baseSecond + junk.second()));
+  const float junkBytes = baseBytes + junk.bytes;
+  EXPECT_EQ(scanJunk->text, JunkScanText(baseFirst + 2, junkBytes, baseSecond + 5));
   EXPECT_EQ(scanShortcuts->text, ShortcutScanText(1, 0.0f));
   EXPECT_EQ(scanBin->text, RecycleBinScanText(3 * roots, 3000.0f * static_cast<float>(roots)));
+  for (const auto& [path, size] : junk.erased) EXPECT_TRUE(PathExists(path)) << path;
   EXPECT_TRUE(PathExists(deadLink));
-  EXPECT_EQ(QueryBin().items, 3);
+  EXPECT_EQ(QueryBin().first, 3);
 
+  // The clean then reports the same numbers.
   worker.Send(kJunkFilesStart);
   const auto junkDone = worker.WaitFor(kJunkFilesDone);
   ASSERT_TRUE(junkDone);
-  EXPECT_EQ(static_cast<std::int32_t>(junkDone->wParam), baseFirst + baseSecond + junk.first() + junk.second());
+  EXPECT_EQ(static_cast<std::int32_t>(junkDone->wParam), baseFirst + baseSecond + 7);
   EXPECT_EQ(static_cast<std::int64_t>(junkDone->lParam), ReplyBytes(junkBytes));
-  for (const std::wstring& path : junk.erased()) EXPECT_FALSE(PathExists(path)) << path;
+  for (const auto& [path, size] : junk.erased) EXPECT_FALSE(PathExists(path)) << path;
+  EXPECT_TRUE(PathExists(junk.dump));
+  EXPECT_FALSE(PathExists(junk.tempSub + L"\\nested"));
+  EXPECT_TRUE(PathExists(junk.tempSub));
 
   worker.Send(kShortcutsStart);
   const auto shortcutsDone = worker.WaitFor(kShortcutsDone);
@@ -94,8 +120,8 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   EXPECT_EQ(static_cast<std::int32_t>(binDone->wParam), 3 * roots);
   EXPECT_EQ(static_cast<std::int64_t>(binDone->lParam),
             ReplyBytes(static_cast<float>(deadSize) + 3000.0f * static_cast<float>(roots)));
-  EXPECT_EQ(QueryBin().items, 0);
-  EXPECT_EQ(junk.Damage(), L"");
+  EXPECT_EQ(QueryBin().first, 0);
+  EXPECT_EQ(junk.canary.Damage(), L"");
   ::DeleteFileW(deadLink.c_str());
 }
 
@@ -103,19 +129,13 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
 // "Windows\Sysnative", which a 64-bit program does not see: the shortcut is
 // taken for dead although its target exists.
 TEST(JunkEndToEndTest, Windows62RewriteMakesSystem32TargetsDead) {
-  const wchar_t* kAppKey = L"Software\\Wine\\AppDefaults\\scourel.exe";
-  {
-    UniqueRegKey key;
-    ASSERT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, kAppKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(),
-                                nullptr),
-              ERROR_SUCCESS);
-    const wchar_t kWin8[] = L"win8";
-    ::RegSetValueExW(key.get(), L"Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(kWin8), sizeof kWin8);
-  }
+  const std::wstring appKey = L"Software\\Wine\\AppDefaults\\scourel.exe";
+  SetText(appKey, L"Version", L"win8");
   struct RemoveKey {
     const wchar_t* path;
     ~RemoveKey() { ::RegDeleteTreeW(HKEY_CURRENT_USER, path); }
-  } removeKey{kAppKey};
+  } removeKey{appKey.c_str()};
+  ASSERT_TRUE(KeyPresent(appKey));
 
   WorkerHarness worker(L"junk-e2e-62");
   ASSERT_TRUE(worker.Started());
@@ -131,7 +151,6 @@ TEST(JunkEndToEndTest, Windows62RewriteMakesSystem32TargetsDead) {
   MakeDirs(PublicDesktopDir());
   ASSERT_TRUE(CreateShortcut(system32Link, target));
   ASSERT_TRUE(CreateShortcut(liveLink, targets / L"alive.txt"));
-  ASSERT_EQ(ShortcutTarget(system32Link), target);
 
   worker.Send(kShortcutsStart);
   const auto done = worker.WaitFor(kShortcutsDone);
@@ -140,9 +159,7 @@ TEST(JunkEndToEndTest, Windows62RewriteMakesSystem32TargetsDead) {
   EXPECT_FALSE(PathExists(system32Link));
   EXPECT_TRUE(PathExists(liveLink));
   EXPECT_TRUE(PathExists(target));
-  ::DeleteFileW(liveLink.c_str());
-  ::DeleteFileW(system32Link.c_str());
-  ::DeleteFileW(target.c_str());
+  for (const std::wstring& path : {liveLink, system32Link, target}) ::DeleteFileW(path.c_str());
 }
 
 }  // namespace

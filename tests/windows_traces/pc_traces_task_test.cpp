@@ -5,25 +5,15 @@
 #include <regex>
 
 #include "host/protocol.h"
-#include "windows_traces/pc_traces_test_support.h"
-#include "windows_traces/shell_folder.h"
 #include "support/worker_harness.h"
+#include "windows_traces/traces_fixture.h"
 
 namespace scourel::test {
 namespace {
 
-std::string Narrow(const std::wstring& text) { return std::string(text.begin(), text.end()); }
+using namespace protocol;
 
-void PutTextOnClipboard(const std::wstring& text) {
-  ASSERT_TRUE(::OpenClipboard(nullptr));
-  ::EmptyClipboard();
-  const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-  HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, bytes);
-  std::memcpy(::GlobalLock(memory), text.c_str(), bytes);
-  ::GlobalUnlock(memory);
-  ::SetClipboardData(CF_UNICODETEXT, memory);
-  ::CloseClipboard();
-}
+std::string Narrow(const std::wstring& text) { return std::string(text.begin(), text.end()); }
 
 class PcTracesTaskTest : public ::testing::Test {
  protected:
@@ -35,82 +25,75 @@ class PcTracesTaskTest : public ::testing::Test {
   RegistryCanary canary_;
 };
 
+// The clipboard is emptied whatever the switches say.
 TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"b", L"notepad\\1"}, {L"MRUList", L"ba"}});
   PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
+  ASSERT_TRUE(::OpenClipboard(nullptr));
+  ::EmptyClipboard();
+  HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, sizeof L"secret");
+  std::memcpy(::GlobalLock(memory), L"secret", sizeof L"secret");
+  ::GlobalUnlock(memory);
+  ::SetClipboardData(CF_UNICODETEXT, memory);
+  ::CloseClipboard();
+  ASSERT_TRUE(::IsClipboardFormatAvailable(CF_UNICODETEXT));
   WorkerHarness worker(L"pctraces-first");
   ASSERT_TRUE(worker.Started());
   worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"TRUE");
   worker.WriteSetting(L"IDS_CPCFINDFILES", L"TRUE");
   worker.WriteSetting(L"IDS_PCDOCUMENT", L"TRUE");  // the other family: off here
 
-  EXPECT_EQ(worker.Send(protocol::kPcTracesStart), 0);
+  EXPECT_EQ(worker.Send(kPcTracesStart), 0);
   for (WPARAM step = 1; step <= 6; ++step) {
-    const auto progress = worker.WaitFor(protocol::kPcTracesProgress);
-    ASSERT_TRUE(progress.has_value()) << step;
+    const auto progress = worker.WaitFor(kPcTracesProgress);
+    ASSERT_TRUE(progress) << step;
     EXPECT_EQ(progress->wParam, step);
     EXPECT_EQ(progress->lParam, 0);
     EXPECT_FALSE(progress->sent);
   }
-  const auto done = worker.WaitForCopyData(protocol::kPcTracesDone);
-  ASSERT_TRUE(done.has_value());
+  const auto done = worker.WaitForCopyData(kPcTracesDone);
+  ASSERT_TRUE(done);
   EXPECT_EQ(Narrow(done->text), "0\\pc 3\\pc 2\\pc 0\\pc 0\\pc 0\\pc 0");
   EXPECT_EQ(done->cbData, 522u);
   EXPECT_FALSE(KeyPresent(kRunMruKey));
   EXPECT_FALSE(KeyPresent(kWordWheelKey));
-}
-
-TEST_F(PcTracesTaskTest, TheClipboardIsEmptiedWhateverTheSwitchesSay) {
-  PutTextOnClipboard(L"copied secret");
-  ASSERT_TRUE(::IsClipboardFormatAvailable(CF_UNICODETEXT));
-  WorkerHarness worker(L"pctraces-clipboard");
-  ASSERT_TRUE(worker.Started());
-  worker.Send(protocol::kPcTracesStart);
-  const auto done = worker.WaitForCopyData(protocol::kPcTracesDone);
-  ASSERT_TRUE(done.has_value());
-  EXPECT_EQ(Narrow(done->text), "0\\pc 0\\pc 0\\pc 0\\pc 0\\pc 0\\pc 0");
   EXPECT_FALSE(::IsClipboardFormatAvailable(CF_UNICODETEXT));
 }
 
 TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore) {
   const std::wstring recent = ShellFolderPath(CSIDL_RECENT);
   ASSERT_FALSE(recent.empty());
-  MakeDirs(recent);
   constexpr int kShortcuts = 1500;
-  for (int i = 0; i < kShortcuts; ++i) {
-    WriteFileBytes(recent + L"\\pctraces-stop-" + std::to_wstring(i) + L".lnk", std::string(64, 's'));
-  }
+  auto shortcut = [&](int i) { return recent + L"\\pctraces-stop-" + std::to_wstring(i) + L".lnk"; };
+  for (int i = 0; i < kShortcuts; ++i) PlantFile(shortcut(i), std::string(64, 's'));
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}});
   WorkerHarness worker(L"pctraces-stop");
   ASSERT_TRUE(worker.Started());
   worker.WriteSetting(L"IDS_CPCDOCUMENT", L"TRUE");
   worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"TRUE");
 
-  worker.Send(protocol::kPcTracesStart);
+  worker.Send(kPcTracesStart);
   ::Sleep(300);
-  worker.Send(protocol::kPcTracesStop);
-  const auto stopped = worker.WaitForCopyData(protocol::kPcTracesStopped, 10000);
-  ASSERT_TRUE(stopped.has_value());
+  worker.Send(kPcTracesStop);
+  const auto stopped = worker.WaitForCopyData(kPcTracesStopped, 10000);
+  ASSERT_TRUE(stopped);
   // Reliable up to the fifth counter and its separator.
   const std::string text = Narrow(stopped->text);
   std::smatch match;
   ASSERT_TRUE(std::regex_search(text, match, std::regex(R"(^(\d+)\\pc 0\\pc 0\\pc 0\\pc 0\\pc)"))) << text;
-  const int documents = std::stoi(match[1]);
-  EXPECT_GT(documents, 0);
-  EXPECT_LT(documents, kShortcuts);
+  EXPECT_GT(std::stoi(match[1]), 0);
+  EXPECT_LT(std::stoi(match[1]), kShortcuts);
 
   ::Sleep(500);
-  EXPECT_FALSE(worker.WaitForCopyData(protocol::kPcTracesDone, 100).has_value());
-  EXPECT_TRUE(KeyPresent(kRunMruKey));  // the run-history step never came
   int left = 0;
-  for (int i = 0; i < kShortcuts; ++i) {
-    const std::wstring path = recent + L"\\pctraces-stop-" + std::to_wstring(i) + L".lnk";
-    if (PathExists(path)) {
-      ++left;
-      ::DeleteFileW(path.c_str());
-    }
-  }
+  for (int i = 0; i < kShortcuts; ++i) left += PathExists(shortcut(i));
+  ::Sleep(500);
+  int leftLater = 0;
+  for (int i = 0; i < kShortcuts; ++i) leftLater += ::DeleteFileW(shortcut(i).c_str()) ? 1 : 0;
   EXPECT_GT(left, 0);
+  EXPECT_EQ(leftLater, left);
+  EXPECT_FALSE(worker.WaitForCopyData(kPcTracesDone, 100));
+  EXPECT_TRUE(KeyPresent(kRunMruKey));  // the run-history step never came
 }
 
 TEST_F(PcTracesTaskTest, SecondSetPostsItsCompletionAndWaitsForItsStop) {
@@ -120,44 +103,40 @@ TEST_F(PcTracesTaskTest, SecondSetPostsItsCompletionAndWaitsForItsStop) {
   worker.WriteSetting(L"IDS_PCRUNHISTORY", L"TRUE");
   worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"FALSE");
 
-  worker.Send(protocol::kPcTracesStart2);
-  const auto done = worker.WaitFor(protocol::kPcTracesDone2);
-  ASSERT_TRUE(done.has_value());
+  worker.Send(kPcTracesStart2);
+  const auto done = worker.WaitFor(kPcTracesDone2);
+  ASSERT_TRUE(done);
   EXPECT_FALSE(done->sent);
   EXPECT_EQ(done->wParam, reinterpret_cast<WPARAM>(worker.worker()));
   EXPECT_FALSE(KeyPresent(kRunMruKey));
-  for (const ReceivedMessage& message : worker.Received()) {
-    EXPECT_NE(message.id, static_cast<UINT>(protocol::kPcTracesProgress));
-  }
-
-  worker.Send(protocol::kPcTracesStop2);
-  const auto stopped = worker.WaitFor(protocol::kPcTracesStop2, 10000);
-  ASSERT_TRUE(stopped.has_value());
+  for (const ReceivedMessage& message : worker.Received()) EXPECT_NE(message.id, UINT{kPcTracesProgress});
+  worker.Send(kPcTracesStop2);
+  const auto stopped = worker.WaitFor(kPcTracesStop2, 10000);
+  ASSERT_TRUE(stopped);
   EXPECT_EQ(stopped->wParam, reinterpret_cast<WPARAM>(worker.worker()));
 }
 
 TEST_F(PcTracesTaskTest, FullScanReportsTheCountersAndThreeSizes) {
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"MRUList", L"a"}});
   PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
-  const std::wstring recent = ShellFolderPath(CSIDL_RECENT);
-  const std::wstring credentials = ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials";
-  MakeDirs(recent);
-  MakeDirs(credentials);
-  WriteFileBytes(recent + L"\\pctraces-scan.lnk", std::string(1024, 'r'));
-  WriteFileBytes(credentials + L"\\pctraces-scan", std::string(2048, 'c'));
-  PlantFile(L"C:\\FOUND.000\\FILE0000.CHK", std::string(512, 'f'));
+  const std::wstring planted[] = {ShellFolderPath(CSIDL_RECENT) + L"\\pctraces-scan.lnk",
+                                  ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan",
+                                  L"C:\\FOUND.000\\FILE0000.CHK"};
+  PlantFile(planted[0], std::string(1024, 'r'));
+  PlantFile(planted[1], std::string(2048, 'c'));
+  PlantFile(planted[2], std::string(512, 'f'));
 
   WorkerHarness worker(L"pctraces-scan");
   ASSERT_TRUE(worker.Started());
-  worker.Send(protocol::kFullScanStart);
-  const auto scan = worker.WaitForCopyData(protocol::kScanPcTraces, 300000);
-  ::DeleteFileW((recent + L"\\pctraces-scan.lnk").c_str());
-  ::DeleteFileW((credentials + L"\\pctraces-scan").c_str());
+  worker.Send(kFullScanStart);
+  const auto scan = worker.WaitForCopyData(kScanPcTraces, 300000);
+  for (const std::wstring& path : planted) EXPECT_TRUE(PathExists(path));  // a scan erases nothing
+  for (const std::wstring& path : planted) ::DeleteFileW(path.c_str());
   RemoveTree(L"C:\\FOUND.000");
-  ASSERT_TRUE(scan.has_value());
+  ASSERT_TRUE(scan);
   EXPECT_EQ(Narrow(scan->text),
             "1\\pc   1.00 KB\\pc 2\\pc 2\\pc 0\\pc 1\\pc   2.00 KB\\pc 1\\pc   0.50 KB\\pc 0");
-  EXPECT_TRUE(KeyPresent(kRunMruKey));  // a scan erases nothing
+  EXPECT_TRUE(KeyPresent(kRunMruKey));
 }
 
 }  // namespace

@@ -1,74 +1,48 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
 
-#include "host/task_totals.h"
 #include "windows_traces/history_list.h"
 #include "windows_traces/pc_traces.h"
-#include "windows_traces/pc_traces_test_support.h"
+#include "windows_traces/traces_fixture.h"
 
 namespace scourel::test {
 namespace {
 
-class SearchWordsTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    RemoveHistoryKeys();
-    ResetPcCounters();
+// Three words as Explorer keeps them (UTF-16 binary) and their order list.
+TEST(SearchWordsTest, ThreeWordsAndTheirOrderListScanAsFourAndASecondCleanSetsZero) {
+  RegistryCanary canary;
+  ResetPcCounters();
+  PlantList(kWordWheelKey, {});
+  const std::wstring words[] = {L"invoice", L"holiday", L"salary"};
+  for (int i = 0; i < 3; ++i) {
+    SetValue(kWordWheelKey, std::to_wstring(i), REG_BINARY, words[i].c_str(),
+             static_cast<DWORD>((words[i].size() + 1) * sizeof(wchar_t)));
   }
-  void TearDown() override {
-    EXPECT_EQ(canary_.Damage(), L"");
-    RemoveHistoryKeys();
-  }
-  int FindFilesCount() const { return g_totals.pcTraces[kPcFindFiles].get(); }
+  const std::uint32_t order[] = {2, 1, 0, 0xFFFFFFFFu};
+  SetValue(kWordWheelKey, L"MRUListEx", REG_BINARY, order, sizeof order);
+  auto& count = g_totals.pcTraces[kPcFindFiles];
 
-  // Three words as Explorer keeps them (UTF-16 binary) and their order list.
-  void PlantThreeWords() {
-    PlantList(kWordWheelKey, {});
-    const std::wstring words[] = {L"invoice", L"holiday", L"salary"};
-    for (int i = 0; i < 3; ++i) {
-      SetValue(kWordWheelKey, std::to_wstring(i), REG_BINARY, words[i].c_str(),
-               static_cast<DWORD>((words[i].size() + 1) * sizeof(wchar_t)));
-    }
-    const std::uint32_t order[] = {2, 1, 0, 0xFFFFFFFFu};
-    SetValue(kWordWheelKey, L"MRUListEx", REG_BINARY, order, sizeof order);
-  }
-
-  RegistryCanary canary_;
-};
-
-TEST_F(SearchWordsTest, ThreeWordsAndTheirOrderListScanAsFour) {
-  PlantThreeWords();
   ScanSearchWords();
-  EXPECT_EQ(FindFilesCount(), 4);
+  EXPECT_EQ(count.get(), 4);
   EXPECT_TRUE(KeyPresent(kWordWheelKey));
-}
-
-TEST_F(SearchWordsTest, CleaningTwiceSetsTheCountToZeroTheSecondTime) {
-  PlantThreeWords();
-  g_totals.pcTraces[kPcFindFiles].set(10);
+  count.set(10);
   CleanSearchWords();
-  EXPECT_EQ(FindFilesCount(), 4);
+  EXPECT_EQ(count.get(), 4);
   EXPECT_FALSE(KeyPresent(kWordWheelKey));
   CleanSearchWords();
-  EXPECT_EQ(FindFilesCount(), 0);
+  EXPECT_EQ(count.get(), 0);
+  EXPECT_EQ(canary.Damage(), L"");
 }
 
-TEST(MruListDataTest, ComparesTheDataAsANarrowString) {
-  struct Case {
-    const char* data;
-    bool expected;
-  };
-  const Case cases[] = {{"MRUListEx", true}, {"MRUList", false}, {"MRUListExx", false}, {"mrulistex", false}, {"", false}};
-  for (const Case& c : cases) {
+// The data is compared as a narrow string, so the UTF-16 name does not match.
+TEST(SearchWordsTest, MruListDataIsTheNarrowName) {
+  for (const char* text : {"MRUListEx", "MRUList", "MRUListExx", "mrulistex", ""}) {
     BYTE data[16] = {};
-    std::memcpy(data, c.data, std::strlen(c.data));
-    EXPECT_EQ(IsMruListData(data), c.expected) << c.data;
+    std::memcpy(data, text, std::strlen(text));
+    EXPECT_EQ(IsMruListData(data), std::strcmp(text, "MRUListEx") == 0) << text;
   }
-  // The name written as UTF-16 is not the narrow text.
-  const wchar_t wide[] = L"MRUListEx";
-  EXPECT_FALSE(IsMruListData(reinterpret_cast<const BYTE*>(wide)));
+  EXPECT_FALSE(IsMruListData(reinterpret_cast<const BYTE*>(L"MRUListEx")));
 }
 
 }  // namespace

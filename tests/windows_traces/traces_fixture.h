@@ -1,0 +1,170 @@
+// Shared by the Windows-traces tests: shortcuts, Recycle Bin items, history
+// lists and a registry canary that every clean must leave as it was.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/unique_handle.h"
+#include "host/task_totals.h"
+#include "support/fixtures.h"
+#include "windows_traces/dead_shortcuts.h"
+#include "windows_traces/shell_folder.h"
+
+namespace scourel::test {
+
+inline std::wstring WindowsDir() { return ShellFolderPath(CSIDL_WINDOWS); }
+inline std::wstring PublicDesktopDir() {
+  const std::wstring profile = ShellFolderPath(CSIDL_PROFILE);
+  return profile.substr(0, profile.rfind(L'\\')) + L"\\Public\\Desktop";
+}
+inline std::wstring CommonStartMenuDir() {
+  return WindowsDir().substr(0, 3) + L"ProgramData\\Microsoft\\Windows\\Start Menu";
+}
+
+inline std::uint64_t FileSize(const std::wstring& path) {
+  WIN32_FILE_ATTRIBUTE_DATA data{};
+  if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return 0;
+  return (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
+}
+
+// Saves a shell link to `target` and checks that it reads back unchanged.
+inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& target) {
+  ::CoInitialize(nullptr);
+  ComPtr<IShellLinkW> link;
+  ComPtr<IPersistFile> file;
+  wchar_t back[1024] = {};
+  return SUCCEEDED(::CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
+                                      link.put_void())) &&
+         SUCCEEDED(link->SetPath(target.c_str())) &&
+         SUCCEEDED(link->QueryInterface(IID_IPersistFile, file.put_void())) &&
+         SUCCEEDED(file->Save(linkPath.c_str(), TRUE)) && SUCCEEDED(file->Load(linkPath.c_str(), STGM_READ)) &&
+         SUCCEEDED(link->GetPath(back, 1024, nullptr, 2)) && target == back;
+}
+
+// Cleans until stable, so that Wine's own dead shortcuts stay out of a test's numbers.
+inline void CleanAwayExistingDeadShortcuts() {
+  for (int i = 0; i < 3; ++i) {
+    g_totals.junkSecond.set(0);
+    CleanDeadShortcuts();
+    if (g_totals.junkSecond.get() == 0) break;
+  }
+  g_totals.junkSecond.set(0);
+  g_totals.byteTotal.set(0.0f);
+}
+
+inline void EmptyBin() { ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND); }
+
+// Writes `count` files of `size` bytes in `folder` and deletes them to the Recycle Bin.
+inline bool PlantRecycledFiles(const std::wstring& folder, int count, std::size_t size) {
+  MakeDirs(folder);
+  std::wstring from;  // double-zero-terminated list
+  for (int i = 0; i < count; ++i) {
+    const std::wstring path = JoinPath(folder, L"recycled" + std::to_wstring(i) + L".bin");
+    WriteFileBytes(path, std::string(size, static_cast<char>('a' + i)));
+    from += path + L'\0';
+  }
+  from += L'\0';
+  SHFILEOPSTRUCTW op{};
+  op.wFunc = FO_DELETE;
+  op.pFrom = from.c_str();
+  op.fFlags = FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_SILENT | FOF_NOERRORUI;
+  return ::SHFileOperationW(&op) == 0 && !op.fAnyOperationsAborted;
+}
+
+// Under Wine every drive root's query reports the one shared bin.
+inline int DriveRootCount() { return std::popcount(static_cast<unsigned>(::GetLogicalDrives())); }
+
+// What SHQueryRecycleBinW reports for C:, as {items, bytes}.
+inline std::pair<std::int64_t, std::int64_t> QueryBin() {
+  SHQUERYRBINFO info{sizeof info, 0, 0};
+  if (FAILED(::SHQueryRecycleBinW(L"C:\\", &info))) return {-1, -1};
+  return {info.i64NumItems, info.i64Size};
+}
+
+inline constexpr wchar_t kExplorerKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
+inline const std::wstring kRunMruKey = std::wstring(kExplorerKey) + L"\\RunMRU";
+inline const std::wstring kStreamMruKey = std::wstring(kExplorerKey) + L"\\StreamMRU";
+inline const std::wstring kTypedPathsKey = std::wstring(kExplorerKey) + L"\\TypedPaths";
+inline const std::wstring kWordWheelKey = std::wstring(kExplorerKey) + L"\\WordWheelQuery";
+
+inline void PlantFile(const std::wstring& path, const std::string& bytes) {
+  MakeDirs(path.substr(0, path.rfind(L'\\')));
+  WriteFileBytes(path, bytes);
+}
+
+inline void ResetPcCounters() {
+  for (auto& counter : g_totals.pcTraces) counter.set(0);
+  g_totals.byteTotal.set(0.0f);
+}
+
+inline bool KeyPresent(const std::wstring& path) {
+  UniqueRegKey key;
+  return ::RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS;
+}
+
+inline void SetValue(const std::wstring& path, const std::wstring& name, DWORD type, const void* data, DWORD bytes) {
+  UniqueRegKey key;
+  ::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(), nullptr);
+  ::RegSetValueExW(key.get(), name.c_str(), 0, type, static_cast<const BYTE*>(data), bytes);
+}
+
+inline void SetText(const std::wstring& path, const std::wstring& name, const std::wstring& text) {
+  SetValue(path, name, REG_SZ, text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}
+
+// Creates the key afresh with the values, in this order.
+inline void PlantList(const std::wstring& path, const std::vector<std::pair<std::wstring, std::wstring>>& values) {
+  ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
+  UniqueRegKey key;
+  ::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(), nullptr);
+  for (const auto& [name, text] : values) SetText(path, name, text);
+}
+
+inline void RemoveHistoryKeys() {
+  for (const std::wstring* path : {&kRunMruKey, &kStreamMruKey, &kTypedPathsKey, &kWordWheelKey}) {
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, path->c_str());
+  }
+}
+
+// A key of its own, a sibling of the history lists and a value of their
+// parent named like one: no clean may touch them.
+class RegistryCanary {
+ public:
+  RegistryCanary() {
+    for (const auto& [path, name] : Expected()) SetText(path, name, L"canary");
+  }
+  ~RegistryCanary() {
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, kSibling);
+    UniqueRegKey key;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, kExplorerKey, 0, KEY_ALL_ACCESS, key.put()) == ERROR_SUCCESS) {
+      ::RegDeleteValueW(key.get(), L"RunMRU");
+    }
+  }
+  // Empty when everything is still there.
+  std::wstring Damage() const {
+    std::wstring damage;
+    for (const auto& [path, name] : Expected()) {
+      wchar_t text[64] = {};
+      DWORD bytes = sizeof text;
+      if (::RegGetValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), RRF_RT_REG_SZ, nullptr, text, &bytes) ||
+          std::wstring(text) != L"canary") {
+        damage += path + L"\\" + name + L"; ";
+      }
+    }
+    return damage;
+  }
+
+ private:
+  static constexpr wchar_t kSibling[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRUKeep";
+  std::vector<std::pair<std::wstring, std::wstring>> Expected() const {
+    return {{scratch_.path(), L"keep"}, {scratch_.path() + L"\\sub", L"keep"}, {kSibling, L"keep"},
+            {kExplorerKey, L"RunMRU"}};
+  }
+  ScratchKey scratch_{L"pctraces-canary"};
+};
+
+}  // namespace scourel::test
