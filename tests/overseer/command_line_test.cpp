@@ -4,112 +4,110 @@
 
 #include <sstream>
 
+#include "overseer/command_plan.h"
+#include "overseer/reply_decoding.h"
+
 namespace overseer {
 namespace {
 
-std::vector<std::wstring> Words(const std::wstring& line) {
+ParseResult Parse(const std::wstring& line) {
   std::wistringstream in(line);
   std::vector<std::wstring> words;
   for (std::wstring word; in >> word;) words.push_back(word);
-  return words;
+  return ParseCommandLine(words);
 }
 
-struct ValidCase {
-  const wchar_t* line;
-  Verb verb;
-  Target target;
-  bool secondSet;
-};
+std::vector<ReplyKey> Copy(std::initializer_list<unsigned> kinds) {
+  std::vector<ReplyKey> keys;
+  for (unsigned kind : kinds) keys.push_back({kCopyDataMessage, kind});
+  return keys;
+}
+std::vector<ReplyKey> Msg(unsigned id) { return {{id, 0}}; }
 
-TEST(OverseerCommandLineTest, AcceptsEveryCommand) {
-  const ValidCase cases[] = {
-      {L"scan", Verb::kScan, Target::kNone, false},
-      {L"clean junk", Verb::kClean, Target::kJunk, false},
-      {L"clean shortcuts --second-set", Verb::kClean, Target::kShortcuts, true},
-      {L"--second-set clean recycle", Verb::kClean, Target::kRecycle, true},
-      {L"clean browser", Verb::kClean, Target::kBrowser, false},
-      {L"clean pc", Verb::kClean, Target::kPc, false},
-      {L"clean plugins", Verb::kClean, Target::kPlugins, false},
-      {L"fix registry", Verb::kFix, Target::kRegistry, false},
-      {L"fix extensions --second-set", Verb::kFix, Target::kExtensions, true},
-      {L"stop browser", Verb::kStop, Target::kBrowser, false},
-      {L"stop registry", Verb::kStop, Target::kRegistry, false},
-      {L"stop scan", Verb::kStop, Target::kScan, false},
-      {L"close", Verb::kClose, Target::kNone, false},
-      {L"settings --wipe 3", Verb::kSettings, Target::kNone, false},
+// Each command line: the message sent and the replies that end the wait.
+TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
+  const struct {
+    const wchar_t* line;
+    unsigned message;
+    EndOn end;
+    std::vector<ReplyKey> awaited, stoppedBy;
+  } cases[] = {
+      {L"scan", 2087, EndOn::kAwaitedReplies, Copy({101, 107, 109, 102, 108, 105, 104, 103, 106}), {}},
+      {L"clean junk", 2034, EndOn::kAwaitedReplies, Msg(2035), Msg(2036)},
+      {L"--second-set clean junk", 2058, EndOn::kAwaitedReplies, Msg(2059), Msg(2060)},
+      {L"clean shortcuts", 2040, EndOn::kAwaitedReplies, Msg(2041), Msg(2042)},
+      {L"clean recycle", 2052, EndOn::kAwaitedReplies, Msg(2053), Msg(2054)},
+      {L"clean browser", 2046, EndOn::kAwaitedReplies, Copy({305}), Copy({306})},
+      {L"clean browser --second-set", 2070, EndOn::kAwaitedReplies, Msg(2071), Msg(2072)},
+      {L"clean pc", 2049, EndOn::kAwaitedReplies, Copy({303}), Copy({304})},
+      {L"clean pc --second-set", 2073, EndOn::kAwaitedReplies, Msg(2074), Msg(2075)},
+      {L"clean plugins", 2055, EndOn::kAwaitedReplies, Msg(2056), Msg(2057)},
+      {L"fix registry", 2037, EndOn::kAwaitedReplies, Msg(2038), Msg(2063)},
+      {L"fix registry --second-set", 2061, EndOn::kAwaitedReplies, Msg(2062), Msg(2063)},
+      {L"fix extensions", 2043, EndOn::kAwaitedReplies, Msg(2044), {}},
+      {L"stop junk", 2036, EndOn::kSendReturns, Msg(2036), {}},
+      {L"stop browser", 2048, EndOn::kSendReturns, Copy({306}), {}},
+      {L"stop pc", 2051, EndOn::kSendReturns, Copy({304}), {}},
+      {L"stop pc --second-set", 2075, EndOn::kSendReturns, Msg(2075), {}},
+      {L"stop plugins --second-set", 2081, EndOn::kSendReturns, Msg(2081), {}},
+      {L"stop scan", 2088, EndOn::kSendReturns, {}, {}},
+      {L"close", 16, EndOn::kProcessExit, {}, {}},
   };
-  for (const ValidCase& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.line);
-    const ParseResult result = ParseCommandLine(Words(c.line));
+    const ParseResult result = Parse(c.line);
     ASSERT_TRUE(result.options) << result.error;
-    EXPECT_EQ(result.options->verb, c.verb);
-    EXPECT_EQ(result.options->target, c.target);
-    EXPECT_EQ(result.options->secondSet, c.secondSet);
+    const auto plan = PlanFor(*result.options);
+    ASSERT_TRUE(plan);
+    EXPECT_EQ(plan->message, c.message);
+    EXPECT_EQ(plan->end, c.end);
+    EXPECT_EQ(plan->awaited, c.awaited);
+    EXPECT_EQ(plan->stoppedBy, c.stoppedBy);
+    EXPECT_EQ(plan->needsRunningWorker, c.end != EndOn::kAwaitedReplies);
   }
+  EXPECT_FALSE(PlanFor(*Parse(L"settings --wipe 3").options));  // sends nothing
+  EXPECT_TRUE(Parse(L"clean --help").help);
 }
 
-TEST(OverseerCommandLineTest, ReadsOptionValues) {
-  const ParseResult result = ParseCommandLine(
-      {L"--worker", L"C:\\x\\bin\\scourel.exe", L"--mode=o", L"--timeout", L"7", L"--json", L"--keep-worker", L"--wipe",
-       L"Gutmann", L"--browser", L"cache,Address-Bar", L"--pc=none", L"--registry", L"all", L"clean", L"browser"});
+TEST(OverseerCommandLineTest, ReadsOptionValuesAndDefaults) {
+  const ParseResult result = Parse(
+      L"--worker C:\\x\\bin\\scourel.exe --mode=o --timeout 7 --json --keep-worker --wipe Gutmann "
+      L"--browser cache,Address-Bar --pc=none --registry all clean browser");
   ASSERT_TRUE(result.options) << result.error;
   const Options& o = *result.options;
   EXPECT_EQ(o.workerPath, L"C:\\x\\bin\\scourel.exe");
   EXPECT_EQ(o.mode, L"o");
   EXPECT_EQ(o.timeoutSeconds, 7u);
-  EXPECT_TRUE(o.json);
-  EXPECT_TRUE(o.keepWorker);
+  EXPECT_TRUE(o.json && o.keepWorker);
   EXPECT_EQ(o.wipeMethod, 7u);
-  EXPECT_EQ(*o.browser, (std::vector<bool>{true, false, false, false, false, false, true, false, false, false}));
+  EXPECT_EQ(*o.browser, (std::vector<bool>{1, 0, 0, 0, 0, 0, 1, 0, 0, 0}));
   EXPECT_EQ(*o.pc, std::vector<bool>(6, false));
   EXPECT_EQ(*o.registry, std::vector<bool>(12, true));
+
+  const Options d = *Parse(L"scan").options;
+  EXPECT_FALSE(d.wipeMethod || d.browser || d.pc || d.registry || d.json || d.keepWorker);
+  EXPECT_EQ(d.timeoutSeconds, kDefaultTimeoutSeconds);
+  EXPECT_TRUE(d.workerPath.empty());
 }
 
-TEST(OverseerCommandLineTest, DefaultsLeaveSettingsAlone) {
-  const ParseResult result = ParseCommandLine({L"scan"});
-  ASSERT_TRUE(result.options);
-  EXPECT_FALSE(result.options->wipeMethod);
-  EXPECT_FALSE(result.options->browser);
-  EXPECT_FALSE(result.options->pc);
-  EXPECT_FALSE(result.options->registry);
-  EXPECT_EQ(result.options->timeoutSeconds, kDefaultTimeoutSeconds);
-  EXPECT_TRUE(result.options->workerPath.empty());
-}
-
-TEST(OverseerCommandLineTest, WipeMethodsByNumberAndName) {
-  for (unsigned i = 0; i < kWipeNames.size(); ++i) {
-    EXPECT_EQ(ParseWipeMethod(std::string(1, static_cast<char>('0' + i))), i);
-    EXPECT_EQ(ParseWipeMethod(kWipeNames[i]), i);
-  }
-  EXPECT_EQ(ParseWipeMethod("GUTMANN-DOD"), 8u);
-  EXPECT_EQ(ParseWipeMethod("gutmann_dod"), 8u);
-  for (const char* bad : {"9", "08", "-1", "", " 3", "zeros", "3.0"}) {
-    EXPECT_FALSE(ParseWipeMethod(bad)) << bad;
-  }
-}
-
-TEST(OverseerCommandLineTest, SwitchLists) {
-  EXPECT_EQ(*ParseSwitchList("index, icons", kBrowserNames),
-            (std::vector<bool>{false, false, false, false, false, false, false, false, true, true}));
-  EXPECT_EQ(ParseSwitchList("DEEP_SCAN", kRegistryNames)->back(), true);
+TEST(OverseerCommandLineTest, ValueParsers) {
+  EXPECT_TRUE(ParseWipeMethod("0") == 0u && ParseWipeMethod("dod7") == 4u && ParseWipeMethod("GUTMANN-DOD") == 8u &&
+              ParseWipeMethod("gutmann_dod") == 8u);
+  for (const char* bad : {"9", "08", "-1", "", " 3", "zeros", "3.0"}) EXPECT_FALSE(ParseWipeMethod(bad)) << bad;
+  EXPECT_EQ(*ParseSwitchList("index, icons", kBrowserNames), (std::vector<bool>{0, 0, 0, 0, 0, 0, 0, 0, 1, 1}));
+  EXPECT_EQ(*ParseSwitchList("DEEP_SCAN", kRegistryNames), (std::vector<bool>{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}));
   for (const char* bad : {"", ",", "cache,,cookies", "all,cache", "cache,", "cash"}) {
     EXPECT_FALSE(ParseSwitchList(bad, kBrowserNames)) << bad;
   }
 }
 
-struct RefusedCase {
-  const wchar_t* line;
-  const char* message;  // must appear in the refusal
-};
-
 TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
-  const RefusedCase cases[] = {
+  const std::pair<const wchar_t*, const char*> cases[] = {  // line, part of the refusal
       {L"", "no command given: valid commands are scan, clean, fix, stop, close, settings"},
       {L"wipe", "unknown command \"wipe\": valid commands are scan, clean, fix, stop, close, settings"},
       {L"clean", "clean needs a target: valid targets are junk, shortcuts, recycle, browser, pc, plugins"},
       {L"clean registry",
-       "invalid target \"registry\" for clean: valid targets are junk, shortcuts, recycle, "
-       "browser, pc, plugins"},
+       "invalid target \"registry\" for clean: valid targets are junk, shortcuts, recycle, browser, pc, plugins"},
       {L"fix junk", "valid targets are registry, extensions"},
       {L"stop extensions", "valid targets are junk, shortcuts, recycle, browser, pc, plugins, registry, scan"},
       {L"scan now", "unexpected argument \"now\" after scan"},
@@ -121,8 +119,7 @@ TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
        "cookies, history, autocomplete, session, download_history, address_bar, program_files, index, icons"},
       {L"--pc docs clean pc", "list of documents, run_history, find_files, network, scan_disk_files, registry_traces"},
       {L"--registry x fix registry",
-       "list of current_user, com, fonts, association, types, paths, dll, empty, "
-       "sound, help, software, deep_scan"},
+       "list of current_user, com, fonts, association, types, paths, dll, empty, sound, help, software, deep_scan"},
       {L"--mode x scan", "invalid --mode value \"x\": valid values are o"},
       {L"--timeout 0 scan", "invalid --timeout value \"0\": valid values are whole seconds from 1 to 86400"},
       {L"--timeout 5s scan", "whole seconds"},
@@ -131,20 +128,10 @@ TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
       {L"--json=yes scan", "--json takes no value"},
       {L"--second-set scan", "--second-set does not apply to the full scan"},
   };
-  for (const RefusedCase& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.line);
-    const ParseResult result = ParseCommandLine(Words(c.line));
-    EXPECT_FALSE(result.options);
-    EXPECT_NE(result.error.find(c.message), std::string::npos) << result.error;
-  }
-}
-
-TEST(OverseerCommandLineTest, HelpWinsAndNamesEveryOption) {
-  EXPECT_TRUE(ParseCommandLine({L"clean", L"--help"}).help);
-  const std::string usage = UsageText();
-  for (const char* option : {"--worker", "--mode", "--second-set", "--timeout", "--json", "--wipe", "--browser", "--pc",
-                             "--registry", "--keep-worker"}) {
-    EXPECT_NE(usage.find(option), std::string::npos) << option;
+  for (const auto& [line, message] : cases) {
+    const ParseResult result = Parse(line);
+    EXPECT_FALSE(result.options) << line;
+    EXPECT_NE(result.error.find(message), std::string::npos) << line << ": " << result.error;
   }
 }
 

@@ -2,6 +2,7 @@
 // worker that is not there, and one that never answers.
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <regex>
 
 #include "host/settings.h"
@@ -11,26 +12,21 @@
 namespace scourel::test {
 namespace {
 
-// A copy of scourel.exe at <root>\bin\scourel.exe, so it reads <root>\Settings.INI.
-class InstalledWorker {
- public:
-  explicit InstalledWorker(const std::wstring& name) : root_(L"C:\\scourel-tests\\" + name) {
-    CloseRunningWorkers();
-    RemoveTree(root_);
-    MakeDirs(root_ + L"\\bin");
-    ::CopyFileW((ProgramDir() + L"\\scourel.exe").c_str(), exe().c_str(), FALSE);
-  }
-  ~InstalledWorker() {
-    CloseRunningWorkers();
-    RemoveTree(root_);
-  }
-  std::wstring exe() const { return root_ + L"\\bin\\scourel.exe"; }
-  std::wstring ini() const { return root_ + L"\\Settings.INI"; }
-  std::wstring WorkerOption() const { return L"--worker \"" + exe() + L"\" "; }
-  std::wstring Setting(const std::wstring& key) const { return ReadSetting(ini(), key, 1000); }
+constexpr auto npos = std::string::npos;
 
- private:
-  std::wstring root_;
+bool WorkerWindow() { return ::FindWindowW(L"SCOUREL_CLASS", nullptr) != nullptr; }
+
+// A copy of a program as <root>\bin\scourel.exe, so as a worker it reads <root>\Settings.INI.
+struct Installed : ScratchDir {
+  explicit Installed(const std::wstring& name, const std::wstring& program = L"scourel.exe")
+      : ScratchDir((CloseRunningWorkers(), name)) {
+    MakeDirs(*this / L"bin");
+    ::CopyFileW((ProgramDir() + L"\\" + program).c_str(), exe().c_str(), FALSE);
+  }
+  ~Installed() { CloseRunningWorkers(); }
+  std::wstring exe() const { return *this / L"bin\\scourel.exe"; }
+  std::wstring Worker(const std::wstring& rest) const { return L"--worker \"" + exe() + L"\" " + rest; }
+  std::wstring Setting(const wchar_t* key) const { return ReadSetting(*this / L"Settings.INI", key, 1000); }
 };
 
 std::vector<unsigned> Kinds(const std::string& json) {
@@ -43,121 +39,87 @@ std::vector<unsigned> Kinds(const std::string& json) {
 }
 
 TEST(OverseerExeTest, FullScanJsonHasTheNineKindsInOrder) {
-  InstalledWorker worker(L"overseer-scan");
-  const OverseerRun run = RunOverseer(worker.WorkerOption() + L"--json --timeout 60 scan");
+  Installed worker(L"overseer-scan");
+  const OverseerRun run = RunOverseer(worker.Worker(L"--json --timeout 60 scan"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_EQ(Kinds(run.out), (std::vector<unsigned>{101, 107, 109, 102, 108, 105, 104, 103, 106}));
-  EXPECT_NE(run.out.find("\"status\": \"completed\""), std::string::npos);
-  EXPECT_EQ(run.out.find("\"readable\": false"), std::string::npos) << run.out;
-  EXPECT_NE(run.out.find("\"attached\": false"), std::string::npos);
-  EXPECT_NE(run.out.find("\"text\": \"Scanning Completed\""), std::string::npos);
-  // The worker overseer started is closed again.
-  EXPECT_EQ(::FindWindowW(L"SCOUREL_CLASS", nullptr), nullptr);
-}
-
-TEST(OverseerExeTest, TablePrintsEachReplyAndTheStatus) {
-  InstalledWorker worker(L"overseer-table");
-  const OverseerRun run = RunOverseer(worker.WorkerOption() + L"--timeout 60 scan");
-  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
-  for (const char* line : {"worker    started ", "command   scan (message 2087)", "kind 101  scan: junk files",
-                           "kind 106  scan: plug-ins", "          deep scan ", "status    completed"}) {
-    EXPECT_NE(run.out.find(line), std::string::npos) << line << "\n" << run.out;
+  for (const char* part : {"\"status\": \"completed\"", "\"attached\": false", "\"text\": \"Scanning Completed\""}) {
+    EXPECT_NE(run.out.find(part), npos) << part << "\n" << run.out;
   }
+  EXPECT_EQ(run.out.find("\"readable\": false"), npos) << run.out;
+  EXPECT_FALSE(WorkerWindow());  // the worker overseer started is closed again
 }
 
-TEST(OverseerExeTest, CleanWritesFirstSetSettingsThenWaitsForItsReply) {
-  InstalledWorker worker(L"overseer-browser");
-  const OverseerRun run =
-      RunOverseer(worker.WorkerOption() + L"--json --timeout 60 --wipe gutmann --browser none clean browser");
+TEST(OverseerExeTest, CleanWritesSettingsThenWaitsForItsReply) {
+  Installed worker(L"overseer-clean");
+  OverseerRun run = RunOverseer(worker.Worker(L"--json --timeout 60 --wipe gutmann --browser none clean browser"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_EQ(worker.Setting(L"IDS_WIPEALGORITHM"), L"7");
   EXPECT_EQ(worker.Setting(L"IDS_CCACHE"), L"FALSE");
   EXPECT_EQ(worker.Setting(L"IDS_CICONS"), L"FALSE");
   EXPECT_EQ(Kinds(run.out), std::vector<unsigned>{305});
-  EXPECT_NE(run.out.find("\"title\": \"browser traces progress\""), std::string::npos);
-  EXPECT_NE(run.out.find("\"icons_size\": \"0.00 KB\""), std::string::npos) << run.out;
-}
-
-TEST(OverseerExeTest, SecondSetInModeOWritesTheOKeys) {
-  InstalledWorker worker(L"overseer-mode-o");
-  const OverseerRun run =
-      RunOverseer(worker.WorkerOption() + L"--json --timeout 60 --mode o --second-set --browser none clean browser");
+  EXPECT_NE(run.out.find("\"title\": \"browser traces progress\""), npos) << run.out;
+  EXPECT_NE(run.out.find("\"icons_size\": \"0.00 KB\""), npos) << run.out;
+  // The second set with mode o: the IDS_O keys, and the second set's reply.
+  run = RunOverseer(worker.Worker(L"--json --timeout 60 --mode o --second-set --browser none clean browser"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_EQ(worker.Setting(L"IDS_OCACHE"), L"FALSE");
   EXPECT_EQ(worker.Setting(L"IDS_CACHE"), L"");
-  EXPECT_EQ(worker.Setting(L"IDS_CCACHE"), L"");
-  EXPECT_NE(run.out.find("{\"message\": 2071"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("{\"message\": 2071"), npos) << run.out;
 }
 
-TEST(OverseerExeTest, StopAndCloseNeedARunningWorker) {
-  CloseRunningWorkers();
-  const OverseerRun stop = RunOverseer(L"--worker C:\\nowhere\\bin\\scourel.exe stop junk");
-  EXPECT_EQ(stop.exitCode, 0);
-  EXPECT_NE(stop.out.find("status    not running"), std::string::npos) << stop.out;
-}
-
-TEST(OverseerExeTest, AttachesToARunningWorkerAndClosesIt) {
-  InstalledWorker worker(L"overseer-attach");
-  ASSERT_EQ(RunOverseer(worker.WorkerOption() + L"--keep-worker --timeout 60 clean junk").exitCode, 0);
-  ASSERT_NE(::FindWindowW(L"SCOUREL_CLASS", nullptr), nullptr);
-
-  const OverseerRun stop = RunOverseer(L"--timeout 30 stop junk");
-  EXPECT_EQ(stop.exitCode, 0) << stop.out << stop.err;
-  EXPECT_NE(stop.out.find("worker    attached to "), std::string::npos) << stop.out;
-  EXPECT_NE(stop.out.find("status    not running"), std::string::npos) << stop.out;  // the clean had ended
-
-  const OverseerRun close = RunOverseer(L"--timeout 30 close");
-  EXPECT_EQ(close.exitCode, 0) << close.out << close.err;
-  EXPECT_EQ(::FindWindowW(L"SCOUREL_CLASS", nullptr), nullptr);
+TEST(OverseerExeTest, AttachesToARunningWorkerStopsAndClosesIt) {
+  Installed worker(L"overseer-attach");
+  ASSERT_EQ(RunOverseer(worker.Worker(L"--keep-worker --timeout 60 clean junk")).exitCode, 0);
+  ASSERT_TRUE(WorkerWindow());
+  OverseerRun run = RunOverseer(L"--timeout 30 stop junk");
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_NE(run.out.find("worker    attached to "), npos) << run.out;
+  EXPECT_NE(run.out.find("status    not running"), npos) << run.out;  // the clean had ended
+  run = RunOverseer(L"--timeout 30 close");
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_FALSE(WorkerWindow());
+  // With no worker running, stop starts none.
+  run = RunOverseer(L"--worker C:\\nowhere\\bin\\scourel.exe stop junk");
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_NE(run.out.find("status    not running"), npos) << run.out;
 }
 
 TEST(OverseerExeTest, InvalidValueIsRefusedAndNothingHappens) {
-  InstalledWorker worker(L"overseer-refuse");
-  const OverseerRun run = RunOverseer(worker.WorkerOption() + L"--wipe 9 --browser all clean browser");
+  Installed worker(L"overseer-refuse");
+  const OverseerRun run = RunOverseer(worker.Worker(L"--wipe 9 --browser all clean browser"));
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_NE(run.err.find("invalid --wipe value \"9\": valid values are 0-8 or zero, random"), std::string::npos)
-      << run.err;
-  EXPECT_FALSE(PathExists(worker.ini()));
-  EXPECT_EQ(::FindWindowW(L"SCOUREL_CLASS", nullptr), nullptr);
+  EXPECT_NE(run.err.find("invalid --wipe value \"9\": valid values are 0-8 or zero, random"), npos) << run.err;
+  EXPECT_FALSE(PathExists(worker / L"Settings.INI"));
+  EXPECT_FALSE(WorkerWindow());
 }
 
-TEST(OverseerExeTest, MissingWorkerFailsAtOnce) {
-  CloseRunningWorkers();
-  const OverseerRun run = RunOverseer(L"--timeout 5 --worker C:\\scourel-tests\\absent\\bin\\scourel.exe scan", 30000);
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("cannot start the worker"), std::string::npos) << run.err;
-  EXPECT_LT(run.elapsedMs, 5000u);
-}
-
-TEST(OverseerExeTest, WorkerThatEndsWithoutAWindowIsReported) {
-  // overseer.exe itself, installed as the worker, ends at once on "no command".
-  InstalledWorker worker(L"overseer-not-a-worker");
-  ::CopyFileW((ProgramDir() + L"\\overseer.exe").c_str(), worker.exe().c_str(), FALSE);
-  const OverseerRun run = RunOverseer(worker.WorkerOption() + L"--timeout 20 scan", 60000);
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("the worker ended (exit code 2) before its command window appeared"), std::string::npos)
-      << run.err;
-}
-
-TEST(OverseerExeTest, SilentWorkerTimesOut) {
-  CloseRunningWorkers();
-  SilentWorker silent;
-  const OverseerRun run = RunOverseer(L"--json --timeout 2 scan", 60000);
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("no reply from the worker within 2 s (still waiting for copy-data kind 101, "),
-            std::string::npos)
-      << run.err;
-  EXPECT_NE(run.out.find("\"status\": \"failed\""), std::string::npos) << run.out;
-  EXPECT_LT(run.elapsedMs, 15000u);
-}
-
-TEST(OverseerExeTest, HungWorkerTimesOutOnTheSend) {
-  CloseRunningWorkers();
-  SilentWorker hung(8000);
-  const OverseerRun run = RunOverseer(L"--timeout 2 clean junk", 60000);
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("the worker did not accept message 2034 within 2 s"), std::string::npos) << run.err;
-  EXPECT_LT(run.elapsedMs, 8000u);
+TEST(OverseerExeTest, FailuresEndWithinTheTimeout) {
+  // overseer.exe itself installed as the worker ends at once on "no command".
+  Installed notAWorker(L"overseer-not-a-worker", L"overseer.exe");
+  const struct {
+    int silentHangMs;  // -1: no silent worker window
+    std::wstring arguments;
+    const char* error;
+    unsigned maxMs;
+  } cases[] = {
+      {-1, L"--timeout 5 --worker C:\\scourel-tests\\absent\\bin\\scourel.exe scan", "cannot start the worker", 5000},
+      {-1, notAWorker.Worker(L"--timeout 20 scan"),
+       "the worker ended (exit code 2) before its command window appeared", 60000},
+      {0, L"--json --timeout 2 scan", "no reply from the worker within 2 s (still waiting for copy-data kind 101, ",
+       15000},
+      {8000, L"--timeout 2 clean junk", "the worker did not accept message 2034 within 2 s", 8000},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.arguments);
+    std::optional<SilentWorker> silent;
+    if (c.silentHangMs >= 0) silent.emplace(c.silentHangMs);
+    const OverseerRun run = RunOverseer(c.arguments, 60000);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find(c.error), npos) << run.err;
+    EXPECT_NE(run.out.find("failed"), npos) << run.out;  // the status line or JSON status
+    EXPECT_LT(run.elapsedMs, c.maxMs);
+  }
 }
 
 }  // namespace

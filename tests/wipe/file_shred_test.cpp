@@ -1,269 +1,183 @@
-// What the shredder writes, seen through a recording file layer over real
-// files in the sandbox.
+// The shredder over real files in the sandbox, seen through a recording file
+// layer, and the cases where it must not write: links, hard links, open files.
 #include "wipe/file_shred.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <tuple>
 #include <vector>
 
 #include "host/protocol.h"
 #include "host/worker_state.h"
-#include "recording_io.h"
 #include "support/fixtures.h"
+#include "wipe/obscure_name.h"
+#include "wipe/wipe_progress.h"
 
 namespace scourel {
 namespace {
 
-using test::IoEvent;
-using test::RecordingIo;
-
+using Bytes = std::vector<std::uint8_t>;
 constexpr std::uint32_t kCluster = 4096;
 
-// One expected pass: a fill, pair or triple pattern, or random (no bytes).
-struct Pass {
-  std::vector<std::uint8_t> pattern;
+// Passes every call on to the system; records a trace ("A" set attributes,
+// "O" open, "S<offset>" seek, "W<offset>" write, "F" flush, "C" close,
+// "R" rename, "D" delete), the written bytes, and a chosen geometry.
+struct RecordingIo : ShredIo {
+  DWORD sectorsPerCluster = 8, bytesPerSector = 512;
+  int failWrite = 0;  // 1-based write to fail
+  std::string trace;
+  std::vector<Bytes> writes;
+  DWORD attributesAtOpen = 0;
+  std::wstring deleted;
+  std::int64_t sizeAtDelete = -1;
+  std::uint64_t position = 0;
+
+  void Log(const std::string& s) { trace += (trace.empty() ? "" : " ") + s; }
+  bool SetAttributes(const std::wstring& path, DWORD a) override { Log("A"); return ShredIo::SetAttributes(path, a); }
+  UniqueHandleKernel OpenFile(const std::wstring& path, DWORD access, DWORD share, DWORD flags) override {
+    Log("O");
+    attributesAtOpen = ::GetFileAttributesW(path.c_str());
+    return ShredIo::OpenFile(path, access, share, flags);
+  }
+  bool DiskFreeSpace(const std::wstring&, DWORD* spc, DWORD* bps) override {
+    *spc = sectorsPerCluster, *bps = bytesPerSector;
+    return true;
+  }
+  bool Seek(HANDLE file, std::uint64_t at) override {
+    Log("S" + std::to_string(position = at));
+    return ShredIo::Seek(file, at);
+  }
+  bool Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) override {
+    Log("W" + std::to_string(position));
+    position += length;
+    writes.emplace_back(bytes, bytes + length);
+    return static_cast<int>(writes.size()) != failWrite && ShredIo::Write(file, bytes, length);
+  }
+  bool Flush(HANDLE file) override { Log("F"); return ShredIo::Flush(file); }
+  void Close(UniqueHandleKernel& file) override { Log("C"); ShredIo::Close(file); }
+  int Rename(const std::wstring& from, const std::wstring& to) override { Log("R"); return ShredIo::Rename(from, to); }
+  bool Delete(const std::wstring& path) override {
+    Log("D");
+    deleted = path;
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) sizeAtDelete = data.nFileSizeLow;
+    return ShredIo::Delete(path);
+  }
 };
-const Pass R{};
-Pass F(std::uint8_t b) { return {{b}}; }
-Pass P(std::uint8_t a, std::uint8_t b) { return {{a, b}}; }
-Pass T(std::uint8_t a, std::uint8_t b, std::uint8_t c) { return {{a, b, c}}; }
 
-std::vector<Pass> Gutmann() {
-  return {R, R, R, R, F(0x55), F(0xAA), T(0x92, 0x49, 0x24), T(0x49, 0x24, 0x92), T(0x24, 0x92, 0x49),
-          F(0x00), F(0x11), F(0x22), F(0x33), F(0x44), F(0x55), F(0x66), F(0x77), F(0x88), F(0x99),
-          F(0xAA), F(0xBB), F(0xCC), F(0xDD), F(0xEE), F(0xFF), T(0x92, 0x49, 0x24), T(0x49, 0x24, 0x92),
-          T(0x24, 0x92, 0x49), T(0x6D, 0xB6, 0xDB), T(0xB6, 0xDB, 0x6D), T(0xDB, 0x6D, 0xB6), R, R, R, R};
-}
-
-// The order in which each method's passes must reach the disk.
-std::vector<Pass> WrittenOrder(std::uint32_t method) {
+// Expected passes in written order: a fill, pair or triple pattern; {} = random.
+std::vector<Bytes> WrittenOrder(std::uint32_t method) {
+  const Bytes R{}, F00{0x00}, FFF{0xFF}, F12{0x12}, FED{0xED}, FAA{0xAA}, F56{0x56};
+  std::vector<Bytes> gutmann = {R, R, R, R, {0x55}, FAA, {0x92, 0x49, 0x24}, {0x49, 0x24, 0x92}, {0x24, 0x92, 0x49}};
+  for (int b = 0x00; b <= 0xFF; b += 0x11) gutmann.push_back({static_cast<std::uint8_t>(b)});
+  gutmann.insert(gutmann.end(), {{0x92, 0x49, 0x24}, {0x49, 0x24, 0x92}, {0x24, 0x92, 0x49}, {0x6D, 0xB6, 0xDB},
+                                 {0xB6, 0xDB, 0x6D}, {0xDB, 0x6D, 0xB6}, R, R, R, R});
   switch (method) {
-    case 0: return {F(0x00)};
+    case 0: return {F00};
     case 1: return {R};
-    case 2: return {F(0x12), F(0xED), R};
-    case 3: return {P(0x00, 0xFF), P(0xFF, 0x00), R};
-    case 4: return {F(0), F(0xFF), F(0), F(0xFF), F(0), F(0xFF), R};
-    case 5: return {F(0), F(0xFF), F(0), F(0xFF), F(0), F(0xFF), F(0xAA)};
-    case 6: return {F(0x56), F(0xAA), F(0x56), F(0xAA), F(0x56), F(0xAA), R};
-    case 7: return Gutmann();
-    default: {
-      auto passes = Gutmann();
-      passes.insert(passes.end(), {F(0x12), F(0xED), R});
-      return passes;
-    }
-  }
-}
-
-void ExpectPass(const std::vector<std::uint8_t>& written, const Pass& pass, const std::string& where) {
-  if (pass.pattern.empty()) {
-    EXPECT_NE(std::count(written.begin(), written.end(), written[0]), static_cast<long>(written.size()))
-        << where << ": random pass is all one byte";
-    return;
-  }
-  for (std::size_t i = 0; i < written.size(); ++i) {
-    if (written[i] != pass.pattern[i % pass.pattern.size()]) {
-      ADD_FAILURE() << where << ": byte " << i << " is " << int(written[i]);
-      return;
-    }
+    case 2: return {F12, FED, R};
+    case 3: return {{0x00, 0xFF}, {0xFF, 0x00}, R};
+    case 4: return {F00, FFF, F00, FFF, F00, FFF, R};
+    case 5: return {F00, FFF, F00, FFF, F00, FFF, FAA};
+    case 6: return {F56, FAA, F56, FAA, F56, FAA, R};
+    case 7: return gutmann;
+    case 8: gutmann.insert(gutmann.end(), {F12, FED, R}); return gutmann;
+    default: return {};
   }
 }
 
 class ShredMethod : public ::testing::TestWithParam<std::uint32_t> {};
 
-TEST_P(ShredMethod, OneByteFileGetsEveryPassInOrderOverAWholeCluster) {
+// A 1-byte file gets every pass of the method over a whole cluster, in order.
+TEST_P(ShredMethod, WritesEveryPassThenRenamesAndDeletes) {
   const std::uint32_t method = GetParam();
   test::ScratchDir dir(L"shred_method");
   test::CanaryTree canary(dir / L"canary");
-  const std::wstring path = dir / L"a.txt";
-  test::WriteFileBytes(path, "Z");
-
+  test::WriteFileBytes(dir / L"a.txt", "Z");
   RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(path, method), 1);
+  EXPECT_EQ(CFileShred(io).Shred(dir / L"a.txt", method), 1);
 
   const auto expected = WrittenOrder(method);
-  const auto writes = io.Of(IoEvent::kWrite);
-  ASSERT_EQ(writes.size(), expected.size());
-  for (std::size_t i = 0; i < writes.size(); ++i) {
-    EXPECT_EQ(writes[i].offset, 0u);
-    ASSERT_EQ(writes[i].bytes.size(), kCluster);
-    ExpectPass(writes[i].bytes, expected[i], "method " + std::to_string(method) + " pass " + std::to_string(i));
+  std::string trace = "A O S0";  // every pass at offset 0, seeking back between them
+  for (std::size_t i = 0; i < expected.size(); ++i) trace += i ? " S0 W0" : " W0";
+  EXPECT_EQ(io.trace, trace + " S4096 F C R D");
+  ASSERT_EQ(io.writes.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    const Bytes& w = io.writes[i];
+    ASSERT_EQ(w.size(), kCluster);
+    const auto& p = expected[i];
+    Bytes want(w.size());  // the pattern from byte 0, or (random) all one byte, which must not match
+    for (std::size_t b = 0; b < w.size(); ++b) want[b] = p.empty() ? w[0] : p[b % p.size()];
+    EXPECT_EQ(w == want, !p.empty()) << "pass " << i;
   }
-  const auto deletes = io.Of(IoEvent::kDelete);
-  ASSERT_EQ(deletes.size(), 1u);
-  EXPECT_EQ(deletes[0].path, dir / L"x.xxx");
-  EXPECT_EQ(deletes[0].sizeOnDisk, kCluster);
-  EXPECT_FALSE(test::PathExists(path));
+  EXPECT_EQ(io.deleted, dir / L"x.xxx");
+  EXPECT_EQ(io.sizeAtDelete, expected.empty() ? 1 : kCluster);
+  EXPECT_FALSE(test::PathExists(dir / L"a.txt"));
   EXPECT_FALSE(test::PathExists(dir / L"x.xxx"));
   EXPECT_EQ(canary.Damage(), L"");
 }
 
-INSTANTIATE_TEST_SUITE_P(AllMethods, ShredMethod, ::testing::Range(0u, 9u));
+INSTANTIATE_TEST_SUITE_P(AllMethods, ShredMethod, ::testing::Values(0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, ~0u));
 
-TEST(Shred, TwoClustersSeekBackBetweenPassesAndOnBetweenClusters) {
-  test::ScratchDir dir(L"shred_two_clusters");
-  const std::wstring path = dir / L"two.bin";
-  test::WriteFileBytes(path, std::string(kCluster + 1, 'q'));
+constexpr DWORD kRO = FILE_ATTRIBUTE_READONLY, kHidden = FILE_ATTRIBUTE_HIDDEN, kSystem = FILE_ATTRIBUTE_SYSTEM;
+const char kOneWrite[] = "A O S0 W0 S4096 F C R D";
 
-  RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(path, 2), 1);
-
-  // Seek 0, then per cluster: write, (seek back, write) twice, seek on.
-  std::vector<std::pair<IoEvent::Kind, std::uint64_t>> trace;
-  for (const auto& e : io.events)
-    if (e.kind == IoEvent::kSeek || e.kind == IoEvent::kWrite) trace.emplace_back(e.kind, e.offset);
-  const auto S = IoEvent::kSeek;
-  const auto W = IoEvent::kWrite;
-  const std::vector<std::pair<IoEvent::Kind, std::uint64_t>> expected = {
-      {S, 0}, {W, 0}, {S, 0}, {W, 0}, {S, 0}, {W, 0}, {S, kCluster},
-      {W, kCluster}, {S, kCluster}, {W, kCluster}, {S, kCluster}, {W, kCluster}, {S, 2 * kCluster}};
-  EXPECT_EQ(trace, expected);
-
-  // The progress byte is set before each cluster's closing seek.
-  const auto seeks = io.Of(IoEvent::kSeek);
-  EXPECT_EQ(seeks[3].progress, 50);
-  EXPECT_EQ(seeks.back().progress, 100);
-  EXPECT_EQ(io.Of(IoEvent::kDelete).at(0).sizeOnDisk, 2 * kCluster);
-  EXPECT_FALSE(test::PathExists(path));
-}
-
-TEST(Shred, FlushesAndClosesBeforeRenaming) {
-  test::ScratchDir dir(L"shred_order");
-  const std::wstring path = dir / L"o.txt";
-  test::WriteFileBytes(path, "abc");
-  RecordingIo io;
-  CFileShred(io).Shred(path, 0);
-  std::vector<IoEvent::Kind> tail;
-  for (const auto& e : io.events)
-    if (e.kind != IoEvent::kSeek && e.kind != IoEvent::kWrite) tail.push_back(e.kind);
-  const std::vector<IoEvent::Kind> expected = {IoEvent::kSetAttributes, IoEvent::kOpen, IoEvent::kFlush,
-                                               IoEvent::kClose, IoEvent::kRename, IoEvent::kDelete};
-  EXPECT_EQ(tail, expected);
-}
-
-TEST(Shred, ZeroLengthFileIsNotWrittenButDeleted) {
-  test::ScratchDir dir(L"shred_empty");
-  const std::wstring path = dir / L"empty.log";
-  test::WriteFileBytes(path, "");
-  RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(path, 8), 1);
-  EXPECT_TRUE(io.Of(IoEvent::kWrite).empty());
-  EXPECT_EQ(io.Of(IoEvent::kDelete).at(0).sizeOnDisk, 0u);
-  EXPECT_FALSE(test::PathExists(path));
-  EXPECT_FALSE(test::PathExists(dir / L"xxxxx.xxx"));
-}
-
-TEST(Shred, MethodNineOrAboveWritesNothingButDeletes) {
-  for (std::uint32_t method : {9u, 10u, 0xFFFFFFFFu}) {
-    test::ScratchDir dir(L"shred_method9");
-    const std::wstring path = dir / L"f.txt";
-    test::WriteFileBytes(path, "contents");
-    RecordingIo io;
-    EXPECT_EQ(CFileShred(io).Shred(path, method), 1);
-    EXPECT_TRUE(io.Of(IoEvent::kWrite).empty()) << method;
-    EXPECT_FALSE(test::PathExists(path));
-    EXPECT_FALSE(test::PathExists(dir / L"x.xxx"));
-  }
-}
-
-TEST(Shred, ReadOnlyHiddenSystemFilesAreClearedThenOverwritten) {
-  for (DWORD attributes : {DWORD{FILE_ATTRIBUTE_READONLY}, DWORD{FILE_ATTRIBUTE_HIDDEN}, DWORD{FILE_ATTRIBUTE_SYSTEM},
-                           DWORD{FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM}}) {
-    test::ScratchDir dir(L"shred_attributes");
-    const std::wstring path = dir / L"locked.dat";
-    test::WriteFileBytes(path, "private");
-    ASSERT_TRUE(::SetFileAttributesW(path.c_str(), attributes));
-    RecordingIo io;
-    EXPECT_EQ(CFileShred(io).Shred(path, 0), 1) << attributes;
-    const auto opens = io.Of(IoEvent::kOpen);
-    ASSERT_EQ(opens.size(), 1u);
-    EXPECT_EQ(opens[0].value, DWORD{FILE_ATTRIBUTE_ARCHIVE}) << attributes;
-    EXPECT_EQ(io.Of(IoEvent::kWrite).size(), 1u) << attributes;
-    EXPECT_FALSE(test::PathExists(path));
-    EXPECT_FALSE(test::PathExists(dir / L"xxxxxx.xxx"));
-  }
-}
-
-TEST(Shred, WriteFailureEndsTheOverwriteButStillDeletes) {
-  test::ScratchDir dir(L"shred_write_fail");
-  const std::wstring path = dir / L"big.bin";
-  test::WriteFileBytes(path, std::string(3 * kCluster, 'b'));
-  RecordingIo io;
-  io.failWriteNumber = 5;  // the second pass of the second cluster
-  EXPECT_EQ(CFileShred(io).Shred(path, 2), 1);
-  EXPECT_EQ(io.Of(IoEvent::kWrite).size(), 5u);
-  EXPECT_EQ(io.Of(IoEvent::kRename).size(), 1u);
-  EXPECT_FALSE(test::PathExists(path));
-  EXPECT_FALSE(test::PathExists(dir / L"xxx.xxx"));
-}
-
-struct GeometryCase {
-  DWORD sectorsPerCluster;
-  DWORD bytesPerSector;
-  std::uint32_t clusterSize;  // 0: no usable geometry
+// Size, attributes, method, geometry and a failing write -> the exact trace.
+// A trace of "A O" alone: left in place, returns 0.
+struct TraceCase { std::size_t size; DWORD attributes; std::uint32_t method; DWORD spc, bps; int failWrite;
+                   const char* trace; std::int64_t sizeAtDelete; };
+const TraceCase kTraces[] = {
+    // Two clusters: seek back between passes, on between clusters.
+    {kCluster + 1, 0, 2, 8, 512, 0,
+     "A O S0 W0 S0 W0 S0 W0 S4096 W4096 S4096 W4096 S4096 W4096 S8192 F C R D", 2 * kCluster},
+    {0, 0, 8, 8, 512, 0, "A O S0 F C R D", 0},  // empty: nothing written, still deleted
+    {3 * kCluster, 0, 2, 8, 512, 5, "A O S0 W0 S0 W0 S0 W0 S4096 W4096 S4096 W4096 F C R D", 3 * kCluster},
+    {7, kRO, 0, 8, 512, 0, kOneWrite, kCluster},
+    {7, kHidden, 0, 8, 512, 0, kOneWrite, kCluster},
+    {7, kSystem, 0, 8, 512, 0, kOneWrite, kCluster},
+    {7, kRO | kHidden | kSystem, 0, 8, 512, 0, kOneWrite, kCluster},
+    // Only the low 8 bits of sectors per cluster and low 16 of bytes per sector count.
+    {7, 0, 0, 0x108, 512, 0, kOneWrite, kCluster},
+    {7, 0, 0, 8, 0x10200, 0, kOneWrite, kCluster},
+    {3, 0, 0, 1, 1, 0, "A O S0 W0 S1 W1 S2 W2 S3 F C R D", 3},
+    {7, 0, 0, 1, 3, 0, "A O S0 W0 S3 W3 S6 W6 S9 F C R D", 9},
+    {7, kRO, 0, 0x100, 512, 0, "A O", 0},
+    {7, kRO | kHidden, 0, 0, 512, 0, "A O", 0},
+    {7, kRO, 0, 8, 0x10000, 0, "A O", 0},
+    {7, kSystem, 0, 8, 0, 0, "A O", 0},
 };
 
-class ShredGeometry : public ::testing::TestWithParam<GeometryCase> {};
-
-// Only the low 8 bits of sectors per cluster and low 16 of bytes per sector count.
-TEST_P(ShredGeometry, TruncatesTheVolumeFigures) {
-  const GeometryCase& c = GetParam();
-  test::ScratchDir dir(L"shred_geometry");
-  const std::wstring path = dir / L"g.txt";
-  test::WriteFileBytes(path, "geometry");
-  ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
-  RecordingIo io;
-  io.sectorsPerCluster = c.sectorsPerCluster;
-  io.bytesPerSector = c.bytesPerSector;
-  const int result = CFileShred(io).Shred(path, 0);
-  if (c.clusterSize == 0) {
-    EXPECT_EQ(result, 0);
-    EXPECT_TRUE(io.Of(IoEvent::kWrite).empty());
-    EXPECT_EQ(test::ReadFileBytes(path), "geometry");
-    EXPECT_EQ(::GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_ARCHIVE});
-  } else {
-    EXPECT_EQ(result, 1);
-    const auto writes = io.Of(IoEvent::kWrite);
-    ASSERT_EQ(writes.size(), (8 + c.clusterSize - 1) / c.clusterSize);
-    EXPECT_EQ(writes.back().bytes.size(), c.clusterSize);
-    EXPECT_FALSE(test::PathExists(path));
+TEST(Shred, TraceTable) {
+  for (const TraceCase& c : kTraces) {
+    SCOPED_TRACE(c.trace);
+    test::ScratchDir dir(L"shred_trace");
+    const std::wstring path = dir / L"file.dat";
+    test::WriteFileBytes(path, std::string(c.size, 'q'));
+    ASSERT_TRUE(::SetFileAttributesW(path.c_str(), c.attributes | FILE_ATTRIBUTE_ARCHIVE));
+    RecordingIo io;
+    std::tie(io.sectorsPerCluster, io.bytesPerSector, io.failWrite) = std::tie(c.spc, c.bps, c.failWrite);
+    const bool kept = std::string(c.trace) == "A O";
+    EXPECT_EQ(CFileShred(io).Shred(path, c.method), kept ? 0 : 1);
+    EXPECT_EQ(io.trace, c.trace);
+    EXPECT_EQ(io.attributesAtOpen, DWORD{FILE_ATTRIBUTE_ARCHIVE});  // cleared before the open
+    if (kept) {
+      EXPECT_EQ(test::ReadFileBytes(path), std::string(c.size, 'q'));
+      EXPECT_EQ(::GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_ARCHIVE});
+    } else {
+      EXPECT_EQ(io.sizeAtDelete, c.sizeAtDelete);
+      EXPECT_FALSE(test::PathExists(path));
+      EXPECT_FALSE(test::PathExists(ObscuredPath(path)));
+    }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, ShredGeometry,
-                         ::testing::Values(GeometryCase{8, 512, 4096}, GeometryCase{1, 1, 1},
-                                           GeometryCase{0x108, 512, 4096}, GeometryCase{8, 0x10200, 4096},
-                                           GeometryCase{0x100, 512, 0}, GeometryCase{0, 512, 0},
-                                           GeometryCase{8, 0x10000, 0}, GeometryCase{8, 0, 0}));
-
-TEST(Shred, SmallClustersCoverTheFileOneClusterAtATime) {
-  test::ScratchDir dir(L"shred_small_clusters");
-  const std::wstring path = dir / L"s.txt";
-  test::WriteFileBytes(path, "1234567");
-  RecordingIo io;
-  io.sectorsPerCluster = 1;
-  io.bytesPerSector = 3;
-  EXPECT_EQ(CFileShred(io).Shred(path, 7), 1);
-  const auto writes = io.Of(IoEvent::kWrite);
-  ASSERT_EQ(writes.size(), 3u * 35u);
-  for (std::size_t i = 0; i < writes.size(); ++i) {
-    EXPECT_EQ(writes[i].offset, (i / 35) * 3);
-    EXPECT_EQ(writes[i].bytes.size(), 3u);
-  }
-  // A triple pattern with three-byte clusters: each write is the pattern once.
-  EXPECT_EQ(writes[6].bytes, (std::vector<std::uint8_t>{0x92, 0x49, 0x24}));
-  EXPECT_EQ(io.Of(IoEvent::kDelete).at(0).sizeOnDisk, 9u);
-}
-
-// Stands in for the worker's command window to see progress messages.
+// Stands in for the worker's command window.
 std::vector<WPARAM> g_progressMessages;
 LRESULT CALLBACK ProgressWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == protocol::kWipeProgress) {
-    g_progressMessages.push_back(wParam);
-    EXPECT_EQ(lParam, 0);
-    return 0;
-  }
-  return ::DefWindowProcW(window, message, wParam, lParam);
+  if (message != protocol::kWipeProgress) return ::DefWindowProcW(window, message, wParam, lParam);
+  g_progressMessages.push_back(wParam);
+  EXPECT_EQ(lParam, 0);
+  return 0;
 }
 
 TEST(Shred, ProgressMessagesOnlyInWipeProgressMode) {
@@ -277,33 +191,103 @@ TEST(Shred, ProgressMessagesOnlyInWipeProgressMode) {
   ASSERT_NE(window, nullptr);
   const HWND saved = g_commandWindow;
   g_commandWindow = window;
-
   test::ScratchDir dir(L"shred_progress");
   g_progressMessages.clear();
-  test::WriteFileBytes(dir / L"a.bin", std::string(4 * kCluster, 'a'));
-  RecordingIo quiet;
-  CFileShred(quiet).Shred(dir / L"a.bin", 0);
-  EXPECT_TRUE(g_progressMessages.empty());
-
-  g_wipeProgressMode.set(true);
-  test::WriteFileBytes(dir / L"b.bin", std::string(3 * kCluster, 'b'));
-  RecordingIo loud;
-  CFileShred(loud).Shred(dir / L"b.bin", 0);
+  for (bool mode : {false, true}) {
+    g_wipeProgressMode.set(mode);
+    test::WriteFileBytes(dir / L"a.bin", std::string(3 * kCluster, 'a'));
+    CFileShred{}.Shred(dir / L"a.bin", 0);
+    EXPECT_EQ(g_wipeProgress.get(), 100);
+    EXPECT_EQ(g_progressMessages, (mode ? std::vector<WPARAM>{33, 66, 100} : std::vector<WPARAM>{}));
+  }
   g_wipeProgressMode.set(false);
   g_commandWindow = saved;
   ::DestroyWindow(window);
-
-  EXPECT_EQ(g_progressMessages, (std::vector<WPARAM>{33, 66, 100}));
 }
 
-TEST(Shred, MissingFileAndFolderAreLeftAlone) {
-  test::ScratchDir dir(L"shred_missing");
+// Nothing is touched for a missing path, a folder, or a link to a folder.
+TEST(Shred, MissingFileFolderAndDirectoryLinkAreLeftAlone) {
+  test::ScratchDir dir(L"shred_not_a_file");
   test::CanaryTree canary(dir / L"sub");
+  ASSERT_TRUE(test::MakeUnixSymlink(dir / L"sub", dir / L"link"));
+  ASSERT_NE(::GetFileAttributesW((dir / L"link").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
   RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(dir / L"none.txt", 0), 0);
-  EXPECT_EQ(CFileShred(io).Shred(dir / L"sub", 0), 0);
-  EXPECT_TRUE(io.events.empty());
+  for (const wchar_t* name : {L"none.txt", L"sub", L"link"}) EXPECT_EQ(CFileShred(io).Shred(dir / name, 0), 0);
+  EXPECT_EQ(io.trace, "");
+  EXPECT_TRUE(test::PathExists(dir / L"link"));
   EXPECT_EQ(canary.Damage(), L"");
+}
+
+// Through the system file layer: neither name remains, the neighbours survive.
+TEST(ShredDisk, NeitherNameRemainsAndTheNeighboursSurvive) {
+  const struct { const wchar_t* name; std::size_t size; std::uint32_t method; } cases[] = {
+      {L"cookie.txt", 10, 0}, {L"index.dat", 70000, 3}, {L"LOGFILE", 4096, 8},
+      {L".hidden", 1, 1},     {L"empty.tmp", 0, 7},     {L"xxx.xxx", 5, 0}};  // already obscured
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.name);
+    test::ScratchDir dir(L"shred_disk");
+    test::CanaryTree canary(dir / L"canary");
+    test::WriteFileBytes(dir / L"beside.txt", "keep me");
+    test::WriteFileBytes(dir / c.name, std::string(c.size, 's'));
+    EXPECT_EQ(CFileShred{}.Shred(dir / c.name, c.method), 1);
+    EXPECT_FALSE(test::PathExists(dir / c.name));
+    EXPECT_FALSE(test::PathExists(ObscuredPath(dir / c.name)));
+    EXPECT_EQ(test::ReadFileBytes(dir / L"beside.txt"), "keep me");
+    EXPECT_EQ(canary.Damage(), L"");
+  }
+}
+
+TEST(ShredDisk, FileHeldOpenWithoutSharingStaysWithAttributesReduced) {
+  test::ScratchDir dir(L"shred_locked");
+  const std::wstring path = dir / L"locked.db";
+  test::WriteFileBytes(path, "in use");
+  ASSERT_TRUE(::SetFileAttributesW(path.c_str(), kHidden | kSystem));
+  UniqueHandleKernel holder(
+      ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  ASSERT_TRUE(holder);
+  EXPECT_EQ(CFileShred{}.Shred(path, 0), 0);
+  holder.reset();
+  EXPECT_EQ(test::ReadFileBytes(path), "in use");
+  EXPECT_EQ(::GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_ARCHIVE});
+}
+
+// A failed rename never deletes the file that already has the new name.
+TEST(ShredDisk, FailedRenameKeepsTheFileOfTheNewName) {
+  test::ScratchDir dir(L"shred_collision");
+  test::WriteFileBytes(dir / L"abc.txt", "target");
+  test::WriteFileBytes(dir / L"xxx.xxx", "someone else's");
+  EXPECT_EQ(CFileShred{}.Shred(dir / L"abc.txt", 0), 1);
+  EXPECT_EQ(test::ReadFileBytes(dir / L"xxx.xxx"), "someone else's");
+  EXPECT_EQ(test::ReadFileBytes(dir / L"abc.txt").substr(0, 6), std::string(6, '\0'));  // overwritten, kept
+}
+
+TEST(ShredDisk, HardLinkedFileIsDeletedButNotOverwritten) {
+  test::ScratchDir dir(L"shred_hardlink");
+  test::WriteFileBytes(dir / L"one.txt", "shared data");
+  ASSERT_TRUE(test::MakeUnixHardLink(dir / L"one.txt", dir / L"two.txt"));
+  RecordingIo io;
+  EXPECT_EQ(CFileShred(io).Shred(dir / L"one.txt", 8), 1);
+  EXPECT_EQ(io.trace, "A O C R D");  // no seek, no write
+  EXPECT_FALSE(test::PathExists(dir / L"one.txt"));
+  EXPECT_FALSE(test::PathExists(dir / L"xxx.xxx"));
+  EXPECT_EQ(test::ReadFileBytes(dir / L"two.txt"), "shared data");
+}
+
+// Windows shows a file symlink as a reparse point; Wine shows the file it
+// points to, so there this case cannot be seen and is skipped.
+TEST(ShredDisk, FileSymlinkDeletesTheLinkOnly) {
+  test::ScratchDir dir(L"shred_filelink");
+  test::WriteFileBytes(dir / L"real.txt", "the target");
+  ASSERT_TRUE(test::MakeUnixSymlink(dir / L"real.txt", dir / L"alias.txt"));
+  if (!(::GetFileAttributesW((dir / L"alias.txt").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT)) {
+    test::RemoveUnixLink(dir / L"alias.txt");
+    GTEST_SKIP() << "this Wine shows a file symlink as a plain file";
+  }
+  RecordingIo io;
+  EXPECT_EQ(CFileShred(io).Shred(dir / L"alias.txt", 0), 1);
+  EXPECT_TRUE(io.writes.empty());
+  EXPECT_FALSE(test::PathExists(dir / L"alias.txt"));
+  EXPECT_EQ(test::ReadFileBytes(dir / L"real.txt"), "the target");
 }
 
 }  // namespace
