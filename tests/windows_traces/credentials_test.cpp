@@ -28,8 +28,7 @@ TEST(CredentialsTest, ScanCountsCleanShredsFilesNotInUse) {
 
   ResetPcCounters();
   {
-    UniqueHandleKernel held(
-        ::CreateFileW((folder + L"\\2C1B3F7E").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    UniqueHandleKernel held = HoldWithoutSharing(folder + L"\\2C1B3F7E");
     ASSERT_TRUE(held);
     VisitCredentialFiles(base.path(), true);
   }
@@ -48,17 +47,12 @@ TEST(CredentialsTest, ScanCountsCleanShredsFilesNotInUse) {
   EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);
 }
 
-// Through the shell's own folders: roaming then local.
+// Through the shell's own folders: roaming and local.
 TEST(CredentialsTest, BothApplicationDataFoldersAreCleaned) {
   ResetPcCounters();
-  std::vector<std::wstring> planted;
-  for (const int csidl : {CSIDL_APPDATA, CSIDL_LOCAL_APPDATA}) {
-    planted.push_back(ShellFolderPath(csidl) + L"\\Microsoft\\Credentials\\pctraces-test");
-    PlantFile(planted.back(), "secret");
-  }
-  ScanCredentials();
-  EXPECT_GE(NetworkCount(), 2);
-  ResetPcCounters();
+  const std::wstring planted[] = {ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-test",
+                                  ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-test"};
+  for (const std::wstring& path : planted) PlantFile(path, "secret");
   CleanCredentials();
   EXPECT_GE(NetworkCount(), 2);
   for (const std::wstring& path : planted) EXPECT_FALSE(PathExists(path));

@@ -28,8 +28,8 @@ struct PlantedJunk {
     erased = {{tempSub + L"\\readonly.tmp", 1000}, {windows + L"\\temp\\" + tag + L".tmp", 300},
               {windows + L"\\Logs\\CBS\\" + tag + L"\\CBS.log", 250}, {windows + L"\\" + tag + L".LOG", 60},
               {sharedWer + L"\\ReportQueue\\Report.wer", 100}, {userWer + L"\\Report.wer", 50}};
-    for (const auto& [path, size] : erased) PlantFile(path, std::string(size, 'j'));
-    ::SetFileAttributesW(erased[0].first.c_str(), FILE_ATTRIBUTE_READONLY);
+    PlantSized(erased, 'j');
+    MakeReadOnly(erased[0].first);
     dump = windows + L"\\Minidump\\" + tag + L".dmp";
     PlantFile(dump, std::string(700, 'd'));
     cleanup = {tempSub, erased[1].first, dump, windows + L"\\Logs\\CBS\\" + tag, erased[3].first, sharedWer, userWer};
@@ -43,7 +43,7 @@ struct PlantedJunk {
   ScratchDir canaryDir{L"junk-e2e-canary"};
   CanaryTree canary{canaryDir.path()};
   std::wstring tempSub, dump;
-  std::vector<std::pair<std::wstring, int>> erased;
+  SizedFiles erased;
   std::vector<std::wstring> cleanup, links;
   bool ok = true;
   const float bytes = 1000 + 300 + 700 + 250 + 60 + 100 + 50;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "common/task_stop.h"
@@ -14,28 +15,11 @@
 namespace scourel::test {
 namespace {
 
-struct Counted {
-  std::int32_t first;
-  std::int32_t second;
-  float bytes;
-  bool operator==(const Counted&) const = default;
-};
-
-void PrintTo(const Counted& c, std::ostream* os) { *os << c.first << "/" << c.second << "/" << c.bytes; }
-
-Counted TakeTotals() {
-  Counted c{g_totals.junkFirst.get(), g_totals.junkSecond.get(), g_totals.byteTotal.get()};
+// {first counter, second counter, bytes}, read and reset.
+std::tuple<std::int32_t, std::int32_t, float> TakeTotals() {
+  std::tuple totals{g_totals.junkFirst.get(), g_totals.junkSecond.get(), g_totals.byteTotal.get()};
   ResetForJunkFileScan();
-  return c;
-}
-
-void PlantReadOnly(const std::wstring& path, size_t size) {
-  WriteFileBytes(path, std::string(size, 'r'));
-  ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
-}
-
-UniqueHandleKernel HoldWithoutSharing(const std::wstring& path) {
-  return UniqueHandleKernel(::CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  return totals;
 }
 
 class JunkWalkerTest : public ::testing::Test {
@@ -58,9 +42,8 @@ class JunkWalkerTest : public ::testing::Test {
 
 TEST_F(JunkWalkerTest, TempWalkShredsNestedAndReadOnlyKeepsHeldFilesAndTopFolder) {
   MakeDirs(temp_ + L"empty\\inner");
-  PlantFile(temp_ + L"plain.tmp", std::string(100, 'p'));
-  PlantReadOnly(temp_ + L"readonly.tmp", 200);
-  PlantFile(temp_ + L"a\\b\\c\\deep.tmp", std::string(300, 'd'));
+  PlantSized({{temp_ + L"plain.tmp", 100}, {temp_ + L"readonly.tmp", 200}, {temp_ + L"a\\b\\c\\deep.tmp", 300}}, 'p');
+  MakeReadOnly(temp_ + L"readonly.tmp");
   PlantFile(temp_ + L"sub\\held.tmp", "held");
   ASSERT_TRUE(LinkToCanary(temp_ + L"link"));
   {
@@ -68,7 +51,7 @@ TEST_F(JunkWalkerTest, TempWalkShredsNestedAndReadOnlyKeepsHeldFilesAndTopFolder
     ASSERT_TRUE(held);
     JunkWalker(JunkWalker::Mode::kErase).TempFolderWalk(temp_, false, true);
   }
-  EXPECT_EQ(TakeTotals(), (Counted{3, 0, 600.0f}));
+  EXPECT_EQ(TakeTotals(), std::tuple(3, 0, 600.0f));
   EXPECT_TRUE(PathExists(temp_));
   for (const wchar_t* gone : {L"plain.tmp", L"readonly.tmp", L"a", L"empty"}) EXPECT_FALSE(PathExists(temp_ + gone));
   EXPECT_EQ(ReadFileBytes(temp_ + L"sub\\held.tmp"), "held");
@@ -91,7 +74,7 @@ TEST_F(JunkWalkerTest, OddNamesAndDeepPathsDoNotStopTheWalk) {
 
   JunkWalker(JunkWalker::Mode::kErase).TempFolderWalk(temp_, false, true);
 
-  EXPECT_GE(TakeTotals().first, 2);  // the far file may or may not be reachable
+  EXPECT_GE(std::get<0>(TakeTotals()), 2);  // the far file may or may not be reachable
   EXPECT_FALSE(PathExists(temp_ + L"smile-\U0001F600.tmp"));
   EXPECT_FALSE(PathExists(temp_ + L"zzz-last.tmp"));
 }
@@ -104,7 +87,7 @@ TEST_F(JunkWalkerTest, StoppedTaskChangesNothing) {
     JunkWalker(JunkWalker::Mode::kErase).TempFolderWalk(temp_, false, true);
     JunkWalker(JunkWalker::Mode::kErase).LogWalk(dir_.path());
   }
-  EXPECT_EQ(TakeTotals(), (Counted{0, 0, 0.0f}));
+  EXPECT_EQ(TakeTotals(), std::tuple(0, 0, 0.0f));
   EXPECT_TRUE(PathExists(temp_ + L"a.tmp"));
   EXPECT_TRUE(PathExists(temp_ + L"sub\\b.log"));
 }
@@ -116,18 +99,18 @@ TEST_F(JunkWalkerTest, StoppedTaskChangesNothing) {
 TEST_F(JunkWalkerTest, MeasureReportsWhatEraseThenDoes) {
   const std::wstring wer = dir_ / L"WER";
   // The file system ignores case, so the capitals live in a folder of their own.
-  const std::vector<std::pair<std::wstring, size_t>> gone = {
+  const SizedFiles gone = {
       {win_ + L"\\Logs\\CBS\\CBS.log", 1000}, {win_ + L"\\Logs\\CBS\\CbsPersist.LOG", 24},
       {win_ + L"\\Apps\\SYSTEM32\\LogFiles\\y.log", 10}, {win_ + L"\\temp\\setup.log", 50},
-      {win_ + L"\\temp\\nested\\x.tmp", 60}, {wer + L"\\q\\crash.log", 90}};
-  const std::vector<std::pair<std::wstring, size_t>> kept = {
+      {win_ + L"\\temp\\nested\\x.tmp", 60}, {wer + L"\\q\\crash.log", 90},
+      {win_ + L"\\temp\\ro.tmp", 70}, {wer + L"\\q\\ro.wer", 80}};
+  const SizedFiles kept = {
       {win_ + L"\\Logs\\CBS\\notes.txt", 1}, {win_ + L"\\System32\\LogFiles\\x.log", 1},
       {win_ + L"\\winsxs\\w.log", 1}, {win_ + L"\\Hidden\\z.log", 1}, {win_ + L"\\held.log", 1},
       {win_ + L"\\Minidump\\a.dmp", 700}, {win_ + L"\\Minidump\\b.dmp", 300}};
-  for (const auto& [path, size] : gone) PlantFile(path, std::string(size, 'g'));
-  for (const auto& [path, size] : kept) PlantFile(path, std::string(size, 'k'));
-  PlantReadOnly(win_ + L"\\temp\\ro.tmp", 70);
-  PlantReadOnly(wer + L"\\q\\ro.wer", 80);
+  PlantSized(gone, 'g');
+  PlantSized(kept, 'k');
+  for (const std::wstring& ro : {win_ + L"\\temp\\ro.tmp", wer + L"\\q\\ro.wer"}) MakeReadOnly(ro);
   ::SetFileAttributesW((win_ + L"\\Hidden").c_str(), FILE_ATTRIBUTE_HIDDEN);
   ASSERT_NE(::GetFileAttributesW((win_ + L"\\Hidden").c_str()) & FILE_ATTRIBUTE_HIDDEN, 0u);
   ASSERT_TRUE(LinkToCanary(win_ + L"\\Linked"));
@@ -143,13 +126,13 @@ TEST_F(JunkWalkerTest, MeasureReportsWhatEraseThenDoes) {
     walker.ReportFolderStep(wer);
     return TakeTotals();
   };
-  const Counted measured = pass(JunkWalker::Mode::kMeasure);
+  const auto measured = pass(JunkWalker::Mode::kMeasure);
   for (const auto& [path, size] : gone) EXPECT_TRUE(PathExists(path)) << path;
   EXPECT_NE(::GetFileAttributesW((win_ + L"\\temp\\ro.tmp").c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
-  const Counted erased = pass(JunkWalker::Mode::kErase);
+  const auto erased = pass(JunkWalker::Mode::kErase);
   EXPECT_EQ(measured, erased);
   // temp 50+60+70; dumps 700+300; logs 1000+24+10; reports 80+90.
-  EXPECT_EQ(erased, (Counted{3, 7, 2384.0f}));
+  EXPECT_EQ(erased, std::tuple(3, 7, 2384.0f));
   for (const auto& [path, size] : gone) EXPECT_FALSE(PathExists(path)) << path;
   for (const auto& [path, size] : kept) EXPECT_TRUE(PathExists(path)) << path;
   EXPECT_FALSE(PathExists(wer + L"\\q"));

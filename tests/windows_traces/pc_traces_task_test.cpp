@@ -96,46 +96,26 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   EXPECT_TRUE(KeyPresent(kRunMruKey));  // the run-history step never came
 }
 
-TEST_F(PcTracesTaskTest, SecondSetPostsItsCompletionAndWaitsForItsStop) {
-  PlantList(kRunMruKey, {{L"a", L"cmd\\1"}});
-  WorkerHarness worker(L"pctraces-second");
-  ASSERT_TRUE(worker.Started());
-  worker.WriteSetting(L"IDS_PCRUNHISTORY", L"TRUE");
-  worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"FALSE");
-
-  worker.Send(kPcTracesStart2);
-  const auto done = worker.WaitFor(kPcTracesDone2);
-  ASSERT_TRUE(done);
-  EXPECT_FALSE(done->sent);
-  EXPECT_EQ(done->wParam, reinterpret_cast<WPARAM>(worker.worker()));
-  EXPECT_FALSE(KeyPresent(kRunMruKey));
-  for (const ReceivedMessage& message : worker.Received()) EXPECT_NE(message.id, UINT{kPcTracesProgress});
-  worker.Send(kPcTracesStop2);
-  const auto stopped = worker.WaitFor(kPcTracesStop2, 10000);
-  ASSERT_TRUE(stopped);
-  EXPECT_EQ(stopped->wParam, reinterpret_cast<WPARAM>(worker.worker()));
-}
-
 TEST_F(PcTracesTaskTest, FullScanReportsTheCountersAndThreeSizes) {
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"MRUList", L"a"}});
   PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
-  const std::wstring planted[] = {ShellFolderPath(CSIDL_RECENT) + L"\\pctraces-scan.lnk",
-                                  ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan",
-                                  L"C:\\FOUND.000\\FILE0000.CHK"};
-  PlantFile(planted[0], std::string(1024, 'r'));
-  PlantFile(planted[1], std::string(2048, 'c'));
-  PlantFile(planted[2], std::string(512, 'f'));
+  // Both application-data folders; on the drive root only a "FOUND.nnn" folder counts.
+  const SizedFiles planted = {{ShellFolderPath(CSIDL_RECENT) + L"\\pctraces-scan.lnk", 1024},
+                              {ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 2048},
+                              {ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 1024},
+                              {L"C:\\FOUND.000\\FILE0000.CHK", 512}, {L"C:\\FOUND.000x\\FILE0000.CHK", 4}};
+  PlantSized(planted, 'p');
 
   WorkerHarness worker(L"pctraces-scan");
   ASSERT_TRUE(worker.Started());
   worker.Send(kFullScanStart);
   const auto scan = worker.WaitForCopyData(kScanPcTraces, 300000);
-  for (const std::wstring& path : planted) EXPECT_TRUE(PathExists(path));  // a scan erases nothing
-  for (const std::wstring& path : planted) ::DeleteFileW(path.c_str());
-  RemoveTree(L"C:\\FOUND.000");
+  for (const auto& [path, size] : planted) EXPECT_TRUE(PathExists(path)) << path;  // a scan erases nothing
+  for (const auto& [path, size] : planted) ::DeleteFileW(path.c_str());
+  for (const wchar_t* found : {L"C:\\FOUND.000", L"C:\\FOUND.000x"}) RemoveTree(found);
   ASSERT_TRUE(scan);
   EXPECT_EQ(Narrow(scan->text),
-            "1\\pc   1.00 KB\\pc 2\\pc 2\\pc 0\\pc 1\\pc   2.00 KB\\pc 1\\pc   0.50 KB\\pc 0");
+            "1\\pc   1.00 KB\\pc 2\\pc 2\\pc 0\\pc 2\\pc   3.00 KB\\pc 1\\pc   0.50 KB\\pc 0");
   EXPECT_TRUE(KeyPresent(kRunMruKey));
 }
 

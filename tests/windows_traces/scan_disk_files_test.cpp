@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "windows_traces/pc_traces.h"
 #include "windows_traces/scan_disk_files.h"
 #include "windows_traces/traces_fixture.h"
@@ -43,24 +41,6 @@ TEST(ScanDiskFilesTest, ScanCountsThenCleanShredsChkFilesDirectlyInFoundFolders)
   EXPECT_TRUE(PathExists(root / L"FOUND.004"));
   EXPECT_EQ(canary.Damage(), L"");
   RemoveUnixLink(root / L"FOUND.004");
-}
-
-// The drive roots themselves: C: is the sandbox's drive_c.
-TEST(ScanDiskFilesTest, TheSystemDriveRootIsCleaned) {
-  ResetPcCounters();
-  const std::vector<std::wstring> roots = FixedDriveRoots();
-  ASSERT_NE(std::find(roots.begin(), roots.end(), L"C:"), roots.end());
-  PlantFile(L"C:\\FOUND.000\\FILE0000.CHK", std::string(2048, 'f'));
-  PlantFile(L"C:\\FOUND.000x\\FILE0000.CHK", "keep");
-  ScanScanDiskFiles();
-  EXPECT_EQ(ScanDiskCount(), 1);
-  EXPECT_EQ(g_totals.byteTotal.get(), 2048.0f);
-  ResetPcCounters();
-  CleanScanDiskFiles();
-  EXPECT_EQ(ScanDiskCount(), 1);
-  EXPECT_FALSE(PathExists(L"C:\\FOUND.000"));
-  EXPECT_EQ(ReadFileBytes(L"C:\\FOUND.000x\\FILE0000.CHK"), "keep");
-  RemoveTree(L"C:\\FOUND.000x");
 }
 
 }  // namespace

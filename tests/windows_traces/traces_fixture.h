@@ -96,6 +96,16 @@ inline void PlantFile(const std::wstring& path, const std::string& bytes) {
   WriteFileBytes(path, bytes);
 }
 
+// Files of known sizes, as the junk walks meet them in temp, log and report folders.
+using SizedFiles = std::vector<std::pair<std::wstring, std::size_t>>;
+inline void PlantSized(const SizedFiles& files, char fill) {
+  for (const auto& [path, size] : files) PlantFile(path, std::string(size, fill));
+}
+inline void MakeReadOnly(const std::wstring& path) { ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY); }
+inline UniqueHandleKernel HoldWithoutSharing(const std::wstring& path) {
+  return UniqueHandleKernel(::CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
 inline void ResetPcCounters() {
   for (auto& counter : g_totals.pcTraces) counter.set(0);
   g_totals.byteTotal.set(0.0f);
@@ -139,10 +149,7 @@ class RegistryCanary {
   }
   ~RegistryCanary() {
     ::RegDeleteTreeW(HKEY_CURRENT_USER, kSibling);
-    UniqueRegKey key;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, kExplorerKey, 0, KEY_ALL_ACCESS, key.put()) == ERROR_SUCCESS) {
-      ::RegDeleteValueW(key.get(), L"RunMRU");
-    }
+    ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kExplorerKey, L"RunMRU");
   }
   // Empty when everything is still there.
   std::wstring Damage() const {
