@@ -188,54 +188,40 @@ TEST(WorkerProtocolTest, StopsOfEmptySlotsAndUnusedIdsSendNothing) {
 }
 
 TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
+  // Two tasks keep their slot after replying: the second-set PC-traces task
+  // (it stops itself after 2074) and the first-set browser task. A stop of
+  // either slot, through either set's id, then finds it taken.
+  struct StopCase {
+    UINT start;
+    UINT started;   // reply id, or WM_COPYDATA with the kind below
+    unsigned startedKind;
+    UINT stop;
+    Expected reply;
+  };
+  const StopCase cases[] = {
+      {2073, 2074, 0, 2075, Sent(2075, Param::kWorker, true)},
+      {2073, 2074, 0, 2051,
+       Copy(304, Param::kWorker, N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc.*")},
+      {2046, WM_COPYDATA, 305, 2048, Copy(306, Param::kWorker, kBrowserPattern)},
+      {2046, WM_COPYDATA, 305, 2072, Posted(2072, Param::kWorker)},
+  };
   WorkerHarness worker(L"proto-stop");
   ASSERT_TRUE(worker.Started());
-
-  // The second-set PC-traces task stops itself after 2074 and keeps its slot.
-  worker.Send(2073);
-  ASSERT_TRUE(worker.WaitFor(2074));
-  worker.ClearReceived();
-  worker.Send(2075);
-  auto stopped = worker.WaitFor(2075, 5000);
-  ASSERT_TRUE(stopped);
-  EXPECT_TRUE(stopped->sent);
-  EXPECT_EQ(stopped->wParam, reinterpret_cast<WPARAM>(worker.worker()));
-  EXPECT_EQ(stopped->lParam, 0);
-  worker.ClearReceived();
-  worker.Send(2075);
-  EXPECT_TRUE(NothingArrives(worker)) << "the slot is empty after a stop";
-
-  // Stopped through the first set's id, it answers with kind 304.
-  worker.Send(2073);
-  ASSERT_TRUE(worker.WaitFor(2074));
-  worker.ClearReceived();
-  worker.Send(2051);
-  auto text = worker.WaitForCopyData(304, 5000);
-  ASSERT_TRUE(text);
-  EXPECT_EQ(text->cbData, 522u);
-  EXPECT_EQ(text->wParam, reinterpret_cast<WPARAM>(worker.worker()));
-  EXPECT_TRUE(std::regex_search(text->text, std::wregex(L"^" N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc")))
-      << testing::PrintToString(text->text);
-
-  // The first-set browser task leaves its slot taken too: 2048 reports kind 306.
-  worker.Send(2046);
-  ASSERT_TRUE(worker.WaitForCopyData(305));
-  worker.ClearReceived();
-  worker.Send(2048);
-  auto browser = worker.WaitForCopyData(306, 5000);
-  ASSERT_TRUE(browser);
-  EXPECT_EQ(browser->cbData, 4098u);
-  EXPECT_TRUE(std::regex_match(browser->text, std::wregex(kBrowserPattern)));
-
-  // Second-set browser stop of that same kind of leftover is posted.
-  worker.Send(2046);
-  ASSERT_TRUE(worker.WaitForCopyData(305));
-  worker.ClearReceived();
-  worker.Send(2072);
-  auto posted = worker.WaitFor(2072, 5000);
-  ASSERT_TRUE(posted);
-  EXPECT_FALSE(posted->sent);
-  EXPECT_EQ(posted->wParam, reinterpret_cast<WPARAM>(worker.worker()));
+  for (const StopCase& c : cases) {
+    SCOPED_TRACE(c.stop);
+    worker.Send(c.start);
+    ASSERT_TRUE(c.started == WM_COPYDATA ? worker.WaitForCopyData(c.startedKind) : worker.WaitFor(c.started));
+    ::Sleep(300);  // posted progress may trail the result
+    worker.ClearReceived();
+    worker.Send(c.stop);
+    auto got = c.reply.id == WM_COPYDATA ? worker.WaitForCopyData(c.reply.kind, 5000) : worker.WaitFor(c.reply.id, 5000);
+    ASSERT_TRUE(got);
+    CheckReply(worker, *got, c.reply);
+    // The slot is empty after a stop: the same stop again sends nothing.
+    worker.ClearReceived();
+    worker.Send(c.stop);
+    EXPECT_TRUE(NothingArrives(worker));
+  }
 }
 
 TEST(WorkerProtocolTest, CloseEndsTheWorkerWithCodeZero) {
