@@ -123,32 +123,25 @@ void CEraserJunkData::AddFillPass(std::uint8_t b) {
   std::fill_n(node.bytes.get(), length, b);
 }
 
-void CEraserJunkData::AddPairPass(std::uint8_t b0, std::uint8_t b1) {
+// Repeats the pattern from the first byte, a whole step at a time, for as
+// long as fewer than length - 1 bytes are written.
+void CEraserJunkData::AddPatternPass(const std::uint8_t* pattern, std::uint8_t patternLength) {
   PassNode& node = PushPass();
-  node.pattern[0] = b0;
-  node.pattern[1] = b1;
-  node.patternLength = 2;
+  std::copy_n(pattern, patternLength, node.pattern);
+  node.patternLength = patternLength;
   const std::size_t length = std::size_t{g_passLength.get()} * g_bufferMultiplier.get();
   std::uint8_t* out = node.bytes.get();
-  for (std::size_t i = 0; i + 1 < length; i += 2) {
-    out[i] = b0;
-    out[i + 1] = b1;
-  }
+  for (std::size_t i = 0; i + 1 < length; i += patternLength) std::copy_n(pattern, patternLength, out + i);
+}
+
+void CEraserJunkData::AddPairPass(std::uint8_t b0, std::uint8_t b1) {
+  const std::uint8_t pattern[] = {b0, b1};
+  AddPatternPass(pattern, 2);
 }
 
 void CEraserJunkData::AddTriplePass(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2) {
-  PassNode& node = PushPass();
-  node.pattern[0] = b0;
-  node.pattern[1] = b1;
-  node.pattern[2] = b2;
-  node.patternLength = 3;
-  const std::size_t length = std::size_t{g_passLength.get()} * g_bufferMultiplier.get();
-  std::uint8_t* out = node.bytes.get();
-  for (std::size_t i = 0; i + 1 < length; i += 3) {
-    out[i] = b0;
-    out[i + 1] = b1;
-    out[i + 2] = b2;
-  }
+  const std::uint8_t pattern[] = {b0, b1, b2};
+  AddPatternPass(pattern, 3);
 }
 
 void CEraserJunkData::AddRandomPass() {

@@ -53,6 +53,7 @@ class CEraserJunkData {
 
  private:
   PassNode& PushPass();
+  void AddPatternPass(const std::uint8_t* pattern, std::uint8_t patternLength);
 
   std::unique_ptr<PassNode> head_;
   UniqueCryptProvider randomContext_;
