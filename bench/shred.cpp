@@ -97,7 +97,7 @@ int wmain(int argc, wchar_t** argv) {
   const bool full = argc > 1 && std::wcscmp(argv[1], L"--full") == 0;
 
   CDisk disk;
-  if (!disk.GetGeometry(L"C:")) {
+  if (disk.GetGeometry(L"C:", SystemShredIo())) {
     std::fprintf(stderr, "bench_shred: no geometry for C:\n");
     return 1;
   }
@@ -123,7 +123,7 @@ int wmain(int argc, wchar_t** argv) {
       ::DeleteFileW(plainPath.c_str());
       PlainWrite(shredPath, size);
       const auto start = Clock::now();
-      const int result = CFileShred{}.Shred(shredPath, method);
+      const int result = ShredResult(CFileShred{}.Shred(shredPath, method));
       const double shred = Seconds(start);
       // Methods 0 and 1 differ only in their one pass being a fill or random,
       // so their difference is the cost of one random pass per cluster,

@@ -1,5 +1,7 @@
 #include "common/registry_paths.h"
 
+#include "common/registry_key.h"
+
 #include <cstdint>
 #include <cstring>
 #include <mutex>
@@ -59,12 +61,10 @@ HKEY RootKeyFromName(const std::wstring& name) {
 }
 
 UniqueRegKey OpenKeyAnyView(HKEY root, const std::wstring& subkey) {
-  UniqueRegKey key;
   for (REGSAM mask : kOpenMasks) {
-    if (::RegOpenKeyExW(root, subkey.c_str(), 0, mask, key.put()) == ERROR_SUCCESS) return key;
-    key.release();  // a failed open may leave anything in the slot
+    if (OpenedKey opened = OpenRegKey(root, subkey, mask)) return std::move(opened.key);
   }
-  return key;
+  return {};
 }
 
 int KeyExistsWith(const std::function<LONG(REGSAM)>& open) {
@@ -75,12 +75,7 @@ int KeyExistsWith(const std::function<LONG(REGSAM)>& open) {
 }
 
 int KeyExists(HKEY root, const std::wstring& subkey) {
-  return KeyExistsWith([&](REGSAM mask) {
-    UniqueRegKey key;
-    const LONG status = ::RegOpenKeyExW(root, subkey.c_str(), 0, mask, key.put());
-    if (status != ERROR_SUCCESS) key.release();
-    return status;
-  });
+  return KeyExistsWith([&](REGSAM mask) { return OpenRegKey(root, subkey, mask).status; });
 }
 
 int EnumValueText(HKEY key, DWORD index, std::wstring& name, std::wstring& text) {
@@ -141,20 +136,6 @@ std::wstring EnumSubkeyName(HKEY key, DWORD index) {
 int IsClassesPath(const std::wstring& path) {
   if (path.find(L"SOFTWARE\\CLASSES", 1) != std::wstring::npos) return 1;
   return path == L"INTERFACE" || path == L"TYPELIB" || path == L"CLSID" ? 1 : 0;
-}
-
-std::wstring WindowsDirectory() {
-  wchar_t buffer[MAX_PATH] = {};
-  const UINT length = ::GetWindowsDirectoryW(buffer, MAX_PATH);
-  if (length == 0 || length >= MAX_PATH) return {};
-  return std::wstring(buffer, length);
-}
-
-std::wstring SpecialFolder(int csidl) {
-  wchar_t buffer[MAX_PATH] = {};
-  if (!::SHGetSpecialFolderPathW(nullptr, buffer, csidl, FALSE)) return {};
-  buffer[MAX_PATH - 1] = L'\0';
-  return buffer;
 }
 
 }  // namespace scourel

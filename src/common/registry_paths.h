@@ -1,4 +1,4 @@
-// Small registry and folder helpers shared by the cleaners: root key names,
+// Small registry helpers shared by the cleaners: root key names,
 // opening a key in whichever registry view holds it, key existence, and
 // reading values and subkey names as text.
 #pragma once
@@ -56,12 +56,5 @@ std::wstring EnumSubkeyName(HKEY key, DWORD index);
 // exactly "INTERFACE", "TYPELIB" or "CLSID"; case-sensitive. A path that
 // holds "SOFTWARE\CLASSES" only at its very start gives 0.
 int IsClassesPath(const std::wstring& path);
-
-// GetWindowsDirectoryW as it stands (no trailing backslash unless a drive
-// root); empty on failure.
-std::wstring WindowsDirectory();
-
-// SHGetSpecialFolderPathW for the CSIDL; empty on failure.
-std::wstring SpecialFolder(int csidl);
 
 }  // namespace scourel

@@ -2,11 +2,12 @@
 // controller sends commands to its command window.
 #include <cstdio>
 
+#include "common/hidden_window.h"
 #include "common/win.h"
-#include "host/protocol.h"
-#include "host/task_totals.h"
 #include "host/tasks.h"
 #include "host/worker_state.h"
+#include "protocol/messages.h"
+#include "task/task_totals.h"
 
 using namespace scourel;
 
@@ -21,15 +22,19 @@ int wmain(int argc, wchar_t** argv) {
   ::GetModuleFileNameW(nullptr, exePath, 260);
   LocateSettings(exePath);
 
-  WNDCLASSW windowClass{};
-  windowClass.style = CS_HREDRAW | CS_VREDRAW;
-  windowClass.lpfnWndProc = CommandWindowProc;
-  windowClass.hInstance = ::GetModuleHandleW(nullptr);
-  windowClass.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
-  windowClass.hIcon = ::LoadIconW(nullptr, IDI_APPLICATION);
-  windowClass.hbrBackground = static_cast<HBRUSH>(::GetStockObject(WHITE_BRUSH));
-  windowClass.lpszClassName = protocol::kWorkerClass;
-  if (!::RegisterClassW(&windowClass)) {
+  HiddenWindow window;
+  WindowSpec spec;
+  spec.className = protocol::kWorkerClass;
+  spec.title = protocol::kWorkerWindowTitle;
+  spec.classStyle = CS_HREDRAW | CS_VREDRAW;
+  spec.cursor = ::LoadCursorW(nullptr, IDC_ARROW);
+  spec.icon = ::LoadIconW(nullptr, IDI_APPLICATION);
+  spec.background = static_cast<HBRUSH>(::GetStockObject(WHITE_BRUSH));
+  spec.x = 520;
+  spec.y = 20;
+  spec.width = 300;
+  spec.height = 300;
+  if (window.Register(spec)) {
     std::fputs("Problem with your WNDCLASS, foo.", stdout);
     return 1;
   }
@@ -43,8 +48,8 @@ int wmain(int argc, wchar_t** argv) {
     result = 1;
   }
 
-  g_commandWindow = ::CreateWindowW(protocol::kWorkerClass, protocol::kWorkerWindowTitle, WS_OVERLAPPEDWINDOW,
-                                    520, 20, 300, 300, nullptr, nullptr, windowClass.hInstance, nullptr);
+  (void)window.Create([](HWND, UINT message, WPARAM, LPARAM) { return HandleCommand(message); });
+  g_commandWindow = window.get();
   ::ShowWindow(g_commandWindow, SW_SHOWNORMAL);
   ::UpdateWindow(g_commandWindow);
 

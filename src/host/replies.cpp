@@ -1,28 +1,79 @@
 #include "host/replies.h"
 
-#include "common/task_stop.h"
-#include "host/protocol.h"
-#include "host/reply_text.h"
-#include "host/task_totals.h"
+#include <array>
+#include <vector>
+
 #include "host/worker_state.h"
+#include "protocol/messages.h"
+#include "protocol/reply_text.h"
+#include "protocol/size_text.h"
+#include "task/task_totals.h"
 
 namespace scourel {
 
+namespace {
+
+using protocol::Payload;
+using protocol::Task;
+
+bool Silenced(const TaskThread* from) { return from != nullptr && from->stopped(); }
+
+WPARAM WorkerWindowParam() { return reinterpret_cast<WPARAM>(g_commandWindow); }
+
+// The counter a count-and-bytes reply carries, read and reset as that reply
+// resets it.
+std::int32_t TakeReplyCount(Task task) {
+  switch (task) {
+    case Task::kJunkFiles:
+      // The 32-bit sum wraps as the counters themselves do.
+      return static_cast<std::int32_t>(static_cast<std::uint32_t>(g_totals.junkFirst.take()) +
+                                       static_cast<std::uint32_t>(g_totals.junkSecond.take()));
+    case Task::kShortcuts: {
+      const std::int32_t count = g_totals.junkSecond.take();
+      g_totals.junkFirst.set(0);
+      return count;
+    }
+    case Task::kRecycleBin:
+      return g_totals.recycleBinItems.take();
+    default:
+      return 0;
+  }
+}
+
+PcCounters PcCounterValues() {
+  PcCounters values{};
+  for (int i = 0; i < protocol::kPcStepCount; ++i) values[i] = g_totals.pcTraces[i].get();
+  return values;
+}
+
+std::wstring BrowserTotalsText() {
+  std::array<std::int32_t, protocol::kBrowserCategoryCount> counts{};
+  std::array<float, protocol::kBrowserCategoryCount> bytes{};
+  for (int i = 0; i < protocol::kBrowserCategoryCount; ++i) {
+    counts[i] = g_totals.browserCounts[i].get();
+    bytes[i] = g_totals.browserBytes[i].get();
+  }
+  return BrowserText(counts, bytes);
+}
+
+}  // namespace
+
 HWND FindController() { return ::FindWindowW(protocol::kControllerClass, nullptr); }
 
-void SendReply(unsigned id, WPARAM wParam, LPARAM lParam) {
-  if (TaskStopRequested()) return;
-  if (HWND controller = FindController()) ::SendMessageW(controller, id, wParam, lParam);
+void DeliverMessage(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam, const TaskThread* from) {
+  if (Silenced(from)) return;
+  const HWND controller = FindController();
+  if (!controller) return;
+  if (delivery == protocol::Delivery::kPost) {
+    ::PostMessageW(controller, id, wParam, lParam);
+  } else {
+    ::SendMessageW(controller, id, wParam, lParam);
+  }
 }
 
-void PostReply(unsigned id, WPARAM wParam, LPARAM lParam) {
-  if (TaskStopRequested()) return;
-  if (HWND controller = FindController()) ::PostMessageW(controller, id, wParam, lParam);
-}
-
-void SendCopyData(unsigned kind, const std::wstring& text) {
-  if (TaskStopRequested()) return;
-  HWND controller = FindController();
+void SendCopyData(unsigned kind, const std::wstring& text, const TaskThread* from) {
+  if (Silenced(from)) return;
+  const HWND controller = FindController();
   if (!controller) return;
   const std::uint32_t cbData = protocol::RecordBytes(kind);
   std::vector<std::uint8_t> buffer = CopyDataBuffer(text, cbData);
@@ -31,34 +82,42 @@ void SendCopyData(unsigned kind, const std::wstring& text) {
   record.cbData = cbData;
   record.lpData = buffer.data();
   const bool fromTask = kind >= protocol::kPcTracesDone;
-  HWND sender = fromTask ? g_commandWindow : controller;
+  const HWND sender = fromTask ? g_commandWindow : controller;
   // SendMessageW returns only once the controller has read the record, so the
   // buffer can go with this frame.
   ::SendMessageW(controller, WM_COPYDATA, reinterpret_cast<WPARAM>(sender), reinterpret_cast<LPARAM>(&record));
 }
 
-namespace {
-
-void SendCountAndBytes(unsigned id, std::int32_t count) {
-  const float bytes = g_totals.byteTotal.get();
-  SendReply(id, static_cast<WPARAM>(static_cast<INT_PTR>(count)), static_cast<LPARAM>(ReplyBytes(bytes)));
+std::wstring TaskRecordText(unsigned kind) {
+  switch (kind) {
+    case protocol::kPcTracesDone: return PcTracesDoneText(PcCounterValues());
+    case protocol::kPcTracesStopped: return PcTracesStoppedText(PcCounterValues());
+    default: return BrowserTotalsText();  // 305, 306
+  }
 }
 
-}  // namespace
-
-void SendJunkFilesReply(unsigned id) {
-  // The 32-bit sum wraps as the counters themselves do.
-  const auto count = static_cast<std::int32_t>(static_cast<std::uint32_t>(g_totals.junkFirst.take()) +
-                                               static_cast<std::uint32_t>(g_totals.junkSecond.take()));
-  SendCountAndBytes(id, count);
+void DeliverTaskReply(const protocol::TaskSpec& task, const protocol::Reply& reply, const TaskThread* from) {
+  switch (reply.payload) {
+    case Payload::kNothing:
+      return;
+    case Payload::kCountAndBytes: {
+      // The counters are reset whether or not a controller hears of them.
+      const std::int32_t count = TakeReplyCount(task.task);
+      const std::int64_t bytes = ReplyBytes(g_totals.byteTotal.get());
+      DeliverMessage(reply.id, reply.delivery, static_cast<WPARAM>(static_cast<INT_PTR>(count)),
+                     static_cast<LPARAM>(bytes), from);
+      return;
+    }
+    case Payload::kWorkerWindow:
+      DeliverMessage(reply.id, reply.delivery, WorkerWindowParam(), 0, from);
+      return;
+    case Payload::kZeros:
+      DeliverMessage(reply.id, reply.delivery, 0, 0, from);
+      return;
+    case Payload::kCopyData:
+      SendCopyData(reply.kind, TaskRecordText(reply.kind), from);
+      return;
+  }
 }
-
-void SendShortcutsReply(unsigned id) {
-  const std::int32_t count = g_totals.junkSecond.take();
-  g_totals.junkFirst.set(0);
-  SendCountAndBytes(id, count);
-}
-
-void SendRecycleBinReply(unsigned id) { SendCountAndBytes(id, g_totals.recycleBinItems.take()); }
 
 }  // namespace scourel

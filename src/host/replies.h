@@ -1,26 +1,31 @@
 // Sending completions, progress and copy-data texts to the controller, which
 // is looked up afresh each time. With no controller window nothing is sent.
+// A task that has been stopped sends nothing more.
 #pragma once
 
 #include <string>
 
 #include "common/win.h"
+#include "host/task_slots.h"
+#include "protocol/tasks.h"
 
 namespace scourel {
 
 HWND FindController();
 
-// Numeric replies. A stopped task sends nothing more.
-void SendReply(unsigned id, WPARAM wParam, LPARAM lParam);
-void PostReply(unsigned id, WPARAM wParam, LPARAM lParam);
+// A numeric message, sent or posted. `from` is the task thread that sends
+// it, or null for the main thread's stop handlers.
+void DeliverMessage(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam, const TaskThread* from);
 
 // WM_COPYDATA of the given kind; wParam is the worker's window for the task
 // replies (303-306) and the controller's own window for the full scan's.
-void SendCopyData(unsigned kind, const std::wstring& text);
+void SendCopyData(unsigned kind, const std::wstring& text, const TaskThread* from);
 
-// The junk-file and shortcut replies: counter sum (then reset) and byte total.
-void SendJunkFilesReply(unsigned id);
-void SendShortcutsReply(unsigned id);
-void SendRecycleBinReply(unsigned id);
+// A task's completion or stop reply as the protocol table describes it, its
+// values read (and the counters it resets, reset) from the task totals.
+void DeliverTaskReply(const protocol::TaskSpec& task, const protocol::Reply& reply, const TaskThread* from);
+
+// The texts of the task replies 303 to 306, from the totals as they stand.
+std::wstring TaskRecordText(unsigned kind);
 
 }  // namespace scourel

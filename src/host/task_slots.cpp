@@ -1,53 +1,72 @@
 #include "host/task_slots.h"
 
-#include <atomic>
 #include <memory>
 
 namespace scourel {
 
 namespace {
 
-std::atomic<TaskThread*> g_slots[kSlotCount];
+std::atomic<TaskThread*> g_slots[protocol::kSlotCount];
 
 std::atomic<TaskThread*>& SlotRef(Slot slot) { return g_slots[static_cast<int>(slot)]; }
 
-struct ThreadStart {
-  Slot slot;
-  TaskBody body;
-  StopFlag stop;
-};
+}  // namespace
 
-DWORD WINAPI TaskThreadProc(void* parameter) {
-  std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(parameter));
-  ScopedTaskStop bind(start->stop);
-  start->body(start->slot);
+void TaskThread::Release() {
+  if (claims_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+}
+
+void TaskThread::LeaveSlot() {
+  TaskThread* expected = this;
+  if (SlotRef(slot_).compare_exchange_strong(expected, nullptr)) Release();
+}
+
+TaskThread* TaskThread::TakeLaterRecord() {
+  std::atomic<TaskThread*>& slot = SlotRef(slot_);
+  TaskThread* held = slot.load();
+  while (held != nullptr && held != this) {
+    if (slot.compare_exchange_weak(held, nullptr)) {
+      held->stop_.Raise();
+      return held;
+    }
+  }
+  return nullptr;
+}
+
+unsigned long __stdcall TaskThread::Run(void* parameter) {
+  auto* self = static_cast<TaskThread*>(parameter);
+  self->body_(*self);
+  self->Release();  // the thread's own claim
   return 0;
 }
 
-}  // namespace
-
 void StartTask(Slot slot, TaskBody body) {
-  auto thread = std::make_unique<TaskThread>();
-  thread->stop = std::make_shared<std::atomic<bool>>(false);
-  auto start = std::make_unique<ThreadStart>(ThreadStart{slot, body, thread->stop});
-  thread->handle.reset(::CreateThread(nullptr, 0, TaskThreadProc, start.get(), CREATE_SUSPENDED, nullptr));
-  if (!thread->handle) return;
-  start.release();
-  HANDLE handle = thread->handle.get();
-  // A second start while busy replaces the slot's object; the earlier thread
-  // runs on, unreachable by a stop command.
-  delete SlotRef(slot).exchange(thread.release());
+  auto thread = std::make_unique<TaskThread>(slot);
+  thread->body_ = body;
+  thread->handle_.reset(::CreateThread(nullptr, 0, TaskThread::Run, thread.get(), CREATE_SUSPENDED, nullptr));
+  if (!thread->handle_) return;
+  TaskThread* started = thread.release();
+  const HANDLE handle = started->handle_.get();
+  // A second start while busy replaces the slot's record; the earlier thread
+  // runs on to its end, unreachable by a stop command.
+  if (TaskThread* replaced = SlotRef(slot).exchange(started)) replaced->Release();
   ::ResumeThread(handle);
 }
 
-void ReleaseSlot(Slot slot) { delete SlotRef(slot).exchange(nullptr); }
+TaskThread* TakeSlot(Slot slot) {
+  TaskThread* taken = SlotRef(slot).exchange(nullptr);
+  if (taken) taken->stop_.Raise();
+  return taken;
+}
+
+void ReleaseTakenSlot(TaskThread* taken) {
+  if (taken) taken->Release();
+}
 
 bool StopSlot(Slot slot) {
-  TaskThread* thread = SlotRef(slot).exchange(nullptr);
-  if (!thread) return false;
-  thread->stop->store(true, std::memory_order_relaxed);
-  delete thread;
-  return true;
+  TaskThread* taken = TakeSlot(slot);
+  ReleaseTakenSlot(taken);
+  return taken != nullptr;
 }
 
 bool SlotBusy(Slot slot) { return SlotRef(slot).load() != nullptr; }

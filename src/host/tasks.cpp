@@ -3,16 +3,16 @@
 #include <array>
 
 #include "browsers/browser_traces.h"
-#include "common/task_stop.h"
-#include "host/protocol.h"
 #include "host/replies.h"
-#include "host/reply_text.h"
-#include "host/settings.h"
 #include "host/task_slots.h"
-#include "host/task_totals.h"
 #include "host/worker_state.h"
 #include "plugins/plugin_definitions.h"
+#include "protocol/categories.h"
+#include "protocol/reply_text.h"
+#include "protocol/tasks.h"
 #include "registry_cleaner/registry_fix.h"
+#include "task/settings.h"
+#include "task/task_context.h"
 #include "windows_traces/dead_shortcuts.h"
 #include "windows_traces/junk_files.h"
 #include "windows_traces/pc_traces.h"
@@ -24,300 +24,241 @@ namespace {
 
 using namespace protocol;
 
-WPARAM WorkerWindowParam() { return reinterpret_cast<WPARAM>(g_commandWindow); }
+// The PC-traces steps in the order of protocol::kPcSteps.
+using StepFunction = void (*)(const TaskContext&);
+constexpr StepFunction kPcStepFunctions[kPcStepCount] = {
+    RecentDocuments, RunHistory, SearchWords, EmptyClipboardStep, Credentials, ScanDiskFiles, SetClearPageFile,
+};
 
-PcCounters PcCounterValues() {
-  PcCounters values{};
-  for (int i = 0; i < kPcTracesCounterCount; ++i) values[i] = g_totals.pcTraces[i].get();
-  return values;
+SettingsFile Settings() { return SettingsFile(g_settingsPath); }
+
+KeyFamily FamilyOf(int set) { return set == kFirstSet ? KeyFamily::kFirstSet : FamilyForSecondSet(g_modeArgument); }
+
+// The context a task hands its cleaners. The wipe method is read from the
+// settings at the start of every task that erases files.
+TaskContext ContextFor(const TaskThread& thread, Mode mode, std::uint32_t wipeMethod = 0) {
+  return TaskContext{g_totals, SystemShredIo(), &thread.stop(), wipeMethod, mode, g_commandWindow,
+                     g_settingsDir, g_settingsPath};
 }
 
-std::wstring BrowserTotalsText() {
-  std::array<std::int32_t, kBrowserCategoryCount> counts{};
-  std::array<float, kBrowserCategoryCount> bytes{};
-  for (int i = 0; i < kBrowserCategoryCount; ++i) {
-    counts[i] = g_totals.browserCounts[i].get();
-    bytes[i] = g_totals.browserBytes[i].get();
-  }
-  return BrowserText(counts, bytes);
+const TaskSpec& Spec(Task task) { return SpecOf(task); }
+
+// The usual end of a task: its completion, then the slot emptied (unless a
+// later start took it). A stopped task leaves at once: no reply, and the slot,
+// which by now belongs to no one or to a later task, is not touched.
+void Complete(TaskThread& thread, Task task, int set) {
+  if (thread.stopped()) return;
+  DeliverTaskReply(Spec(task), Spec(task).sets[set].done, &thread);
+  thread.LeaveSlot();
 }
 
-// A stopped task leaves at once: no reply, and the slot (which may by now
-// hold a later task) is not touched.
-bool Abandoned() { return TaskStopRequested(); }
+// --- Task bodies, one per task and command set -----------------------------
 
-// --- Task bodies, one per slot and command set ----------------------------
-
-template <unsigned Done>
-void JunkFilesTask(Slot slot) {
-  CleanJunkFiles();
-  if (Abandoned()) return;
-  SendJunkFilesReply(Done);
-  ReleaseSlot(slot);
+template <int Set>
+void JunkFilesTask(TaskThread& thread) {
+  ResetForJunkFileScan(g_totals);
+  JunkFiles(ContextFor(thread, Mode::kErase, Settings().ReadWipeAlgorithm()));
+  Complete(thread, Task::kJunkFiles, Set);
 }
 
-template <KeyFamily Family, unsigned Done>
-void RegistryFixTask(Slot slot) {
-  SelectFixCategories(Family);
-  if (Abandoned()) return;
-  PostReply(Done, 0, 0);
-  ReleaseSlot(slot);
+template <int Set>
+void RegistryFixTask(TaskThread& thread) {
+  SelectFixCategories(ContextFor(thread, Mode::kErase), FamilyOf(Set));
+  Complete(thread, Task::kRegistryFix, Set);
 }
 
-void RegistryFixSecondSet(Slot slot) {
-  if (FamilyForSecondSet(g_modeArgument) == KeyFamily::kO) {
-    RegistryFixTask<KeyFamily::kO, kRegistryFixDone2>(slot);
-  } else {
-    RegistryFixTask<KeyFamily::kPlain, kRegistryFixDone2>(slot);
-  }
+template <int Set>
+void ShortcutsTask(TaskThread& thread) {
+  // The byte total is zeroed before the wipe method is read, as it always was.
+  g_totals.byteTotal.set(0.0f);
+  DeadShortcuts(ContextFor(thread, Mode::kErase, Settings().ReadWipeAlgorithm()));
+  Complete(thread, Task::kShortcuts, Set);
 }
 
-template <unsigned Done>
-void ShortcutsTask(Slot slot) {
-  CleanDeadShortcuts();
-  if (Abandoned()) return;
-  SendShortcutsReply(Done);
-  ReleaseSlot(slot);
-}
-
-// Runs the switched-on browser categories; with progress, posts the step
+// Runs the switched-on browser categories; the first set posts the step
 // number after every category but the last.
-void RunBrowserCategories(KeyFamily family, bool progress) {
-  ReadWipeAlgorithm();
-  ResetBrowserTotals();
-  for (int i = 0; i < kBrowserCategoryCount; ++i) {
-    if (Abandoned()) return;
-    if (ReadSwitch(family, kBrowserKeys[i], kBrowserChars)) CleanBrowserCategory(i);
-    if (progress && i + 1 < kBrowserCategoryCount) PostReply(kBrowserProgress, i + 1, 0);
+template <int Set>
+void BrowserTask(TaskThread& thread) {
+  const SettingsFile settings = Settings();
+  const TaskContext context = ContextFor(thread, Mode::kErase, settings.ReadWipeAlgorithm());
+  ResetBrowserTotals(g_totals);
+  for (const BrowserCategorySpec& category : kBrowserCategories) {
+    if (thread.stopped()) return;
+    if (settings.Switch(FamilyOf(Set), category.keySuffix, kBrowserChars)) BrowserCategoryStep(context, category.category);
+    const int number = static_cast<int>(category.category) + 1;
+    if (Set == kFirstSet && number < kBrowserCategoryCount) {
+      DeliverMessage(kBrowserProgress, Delivery::kPost, number, 0, &thread);
+    }
   }
-}
-
-void BrowserFirstSet(Slot) {
-  RunBrowserCategories(KeyFamily::kFirstSet, true);
-  if (Abandoned()) return;
-  SendCopyData(kBrowserDone, BrowserTotalsText());
-  // This task leaves its slot as it is: a later stop still finds it there.
-}
-
-void BrowserSecondSet(Slot slot) {
-  RunBrowserCategories(FamilyForSecondSet(g_modeArgument), false);
-  if (Abandoned()) return;
-  SendReply(kBrowserDone2, WorkerWindowParam(), 0);
-  ReleaseSlot(slot);
+  if (thread.stopped()) return;
+  DeliverTaskReply(Spec(Task::kBrowser), Spec(Task::kBrowser).sets[Set].done, &thread);
+  // The first set's task leaves its slot as it is: a later stop still finds it there.
+  if (Set == kSecondSet) thread.LeaveSlot();
 }
 
 // The PC-traces steps in their fixed order. Each switch is read just before
 // its step; the clipboard is emptied whatever the switches say.
-void RunPcTracesSteps(KeyFamily family, unsigned chars, bool progress) {
-  ReadWipeAlgorithm();
-  struct Step {
-    const wchar_t* key;  // null: always run
-    void (*run)();
-  };
-  static constexpr Step kSteps[] = {
-      {L"PCDOCUMENT", [] { CleanRecentDocuments(); }},
-      {L"PCRUNHISTORY", [] { CleanRunHistory(); }},
-      {L"PCFINDFILES", [] { CleanSearchWords(); }},
-      {nullptr, [] { EmptyClipboardStep(); }},
-      {L"PCNETWORK", [] { CleanCredentials(); }},
-      {L"PCSCANDISKFILES", [] { CleanScanDiskFiles(); }},
-      {L"PCCLEARREGISTRY", [] { SetClearPageFile(); }},
-  };
-  int number = 0;
-  for (const Step& step : kSteps) {
-    if (Abandoned()) return;
-    ++number;
-    if (!step.key || ReadSwitch(family, step.key, chars)) step.run();
+template <int Set>
+void PcTracesTask(TaskThread& thread) {
+  const SettingsFile settings = Settings();
+  const TaskContext context = ContextFor(thread, Mode::kErase, settings.ReadWipeAlgorithm());
+  const unsigned chars = Set == kFirstSet ? kPcTracesFirstSetChars : kPcTracesSecondSetChars;
+  for (const PcStepSpec& step : kPcSteps) {
+    if (thread.stopped()) return;
+    if (step.keySuffix.empty() || settings.Switch(FamilyOf(Set), step.keySuffix, chars)) {
+      kPcStepFunctions[static_cast<int>(step.step)](context);
+    }
     // The last step, registry traces, posts nothing.
-    if (progress && number < static_cast<int>(std::size(kSteps))) PostReply(kPcTracesProgress, number, 0);
+    const int number = static_cast<int>(step.step) + 1;
+    if (Set == kFirstSet && number < kPcStepCount) DeliverMessage(kPcTracesProgress, Delivery::kPost, number, 0, &thread);
+  }
+  if (thread.stopped()) return;
+  const TaskSpec& spec = Spec(Task::kPcTraces);
+  DeliverTaskReply(spec, spec.sets[Set].done, &thread);
+  if (Set == kFirstSet) {
+    thread.LeaveSlot();
+    return;
+  }
+  // The second set then runs the stop sequence on its own slot. While the
+  // slot still holds this task it stays taken until a stop command; when a
+  // later start replaced it, that later task is the one stopped.
+  if (TaskThread* later = thread.TakeLaterRecord()) {
+    DeliverTaskReply(spec, spec.sets[Set].stopped, nullptr);
+    ReleaseTakenSlot(later);
   }
 }
 
-void PcTracesFirstSet(Slot slot) {
-  RunPcTracesSteps(KeyFamily::kFirstSet, kPcTracesFirstSetChars, true);
-  if (Abandoned()) return;
-  SendCopyData(kPcTracesDone, PcTracesDoneText(PcCounterValues()));
-  ReleaseSlot(slot);
+template <int Set>
+void RecycleBinTask(TaskThread& thread) {
+  // Read as every task reads it; emptying the bin does not shred.
+  RecycleBins(ContextFor(thread, Mode::kErase, Settings().ReadWipeAlgorithm()));
+  Complete(thread, Task::kRecycleBin, Set);
 }
 
-void PcTracesSecondSet(Slot) {
-  RunPcTracesSteps(FamilyForSecondSet(g_modeArgument), kPcTracesSecondSetChars, false);
-  if (Abandoned()) return;
-  PostReply(kPcTracesDone2, WorkerWindowParam(), 0);
-  // This thread stops itself here and never ends; its slot stays taken until
-  // a stop command (2075) empties it.
-  for (;;) ::Sleep(INFINITE);
-}
-
-template <unsigned Done>
-void RecycleBinTask(Slot slot) {
-  EmptyRecycleBins();
-  if (Abandoned()) return;
-  SendRecycleBinReply(Done);
-  ReleaseSlot(slot);
-}
-
-void PluginCleanFirstSet(Slot slot) {
-  CleanPlugins();
-  if (Abandoned()) return;
-  PostReply(kPluginCleanDone, 0, 0);
-  ReleaseSlot(slot);
-}
-
-void PluginCleanSecondSet(Slot) {
-  CleanPlugins();
-  if (Abandoned()) return;
-  PostReply(kPluginCleanDone2, 0, 0);
+template <int Set>
+void PluginCleanTask(TaskThread& thread) {
+  CleanPlugins(ContextFor(thread, Mode::kErase, g_wipeMethod.get()));
+  if (Set == kFirstSet) {
+    Complete(thread, Task::kPluginClean, Set);
+    return;
+  }
+  if (thread.stopped()) return;
+  DeliverTaskReply(Spec(Task::kPluginClean), Spec(Task::kPluginClean).sets[Set].done, &thread);
   // The second set's plug-in clean is the controller's last word to the worker.
   ::ExitProcess(0);
 }
 
 // The full scan measures every area and reports each by copy-data, in the
-// order 101, 107, 109, 102, 108, 105, 104, 103, 106.
-void FullScanTask(Slot slot) {
-  ResetForJunkFileScan();
-  MeasureJunkFiles();
-  if (Abandoned()) return;
+// order of protocol::kFullScanReplies.
+void FullScanTask(TaskThread& thread) {
+  const TaskContext context = ContextFor(thread, Mode::kMeasure);
+  TaskTotals& totals = g_totals;
+
+  ResetForJunkFileScan(totals);
+  JunkFiles(context);
+  if (thread.stopped()) return;
   {
-    const std::int32_t first = g_totals.junkFirst.take();
-    const std::int32_t second = g_totals.junkSecond.take();
-    SendCopyData(kScanJunkFiles, JunkScanText(first, g_totals.byteTotal.get(), second));
+    const std::int32_t first = totals.junkFirst.take();
+    const std::int32_t second = totals.junkSecond.take();
+    SendCopyData(kScanJunkFiles, JunkScanText(first, totals.byteTotal.get(), second), &thread);
   }
 
-  RunRegistryScan();
-  if (Abandoned()) return;
+  RunRegistryScan(context);
+  if (thread.stopped()) return;
   {
-    std::array<std::int32_t, kRegistryCategoryCount> counts{};
-    for (int i = 0; i < kRegistryCategoryCount; ++i) counts[i] = g_totals.registry[i].get();
-    SendCopyData(kScanRegistry, RegistryScanText(counts));
-    SendCopyData(kScanRegistryDone, kScanCompletedText);
+    std::array<std::int32_t, kRegistryReportCount> counts{};
+    for (int i = 0; i < kRegistryReportCount; ++i) counts[i] = totals.registry[i].get();
+    SendCopyData(kScanRegistry, RegistryScanText(counts), &thread);
+    SendCopyData(kScanRegistryDone, kScanCompletedText, &thread);
   }
 
-  MeasureDeadShortcuts();
-  if (Abandoned()) return;
-  SendCopyData(kScanShortcuts, ShortcutScanText(g_totals.junkSecond.get(), g_totals.byteTotal.get()));
-  g_totals.junkSecond.set(0);
+  DeadShortcuts(context);
+  if (thread.stopped()) return;
+  SendCopyData(kScanShortcuts, ShortcutScanText(totals.junkSecond.get(), totals.byteTotal.get()), &thread);
+  totals.junkSecond.set(0);
 
-  const int extensions = RunFileExtensionScan();
-  if (Abandoned()) return;
-  SendCopyData(kScanExtensions, ExtensionScanText(extensions));
+  const int extensions = RunFileExtensionScan(context);
+  if (thread.stopped()) return;
+  SendCopyData(kScanExtensions, ExtensionScanText(extensions), &thread);
 
-  ResetBrowserTotals();
-  ScanBrowserTraces();
-  if (Abandoned()) return;
-  SendCopyData(kScanBrowser, BrowserTotalsText());
+  ResetBrowserTotals(totals);
+  ScanBrowserTraces(context);
+  if (thread.stopped()) return;
+  SendCopyData(kScanBrowser, TaskRecordText(kBrowserDone), &thread);
 
   // Each size of the PC-traces record is what its step added to the byte total.
-  auto measured = [](int (*scan)()) {
-    const float before = g_totals.byteTotal.get();
-    scan();
-    return g_totals.byteTotal.get() - before;
+  auto measured = [&](StepFunction step) {
+    const float before = totals.byteTotal.get();
+    step(context);
+    return totals.byteTotal.get() - before;
   };
-  const float documentBytes = measured(ScanRecentDocuments);
-  ScanRunHistory();
-  ScanSearchWords();
-  const float networkBytes = measured(ScanCredentials);
-  const float scanDiskBytes = measured(ScanScanDiskFiles);
-  if (Abandoned()) return;
-  SendCopyData(kScanPcTraces, PcTracesScanText(PcCounterValues(), documentBytes, networkBytes, scanDiskBytes));
+  const float documentBytes = measured(RecentDocuments);
+  RunHistory(context);
+  SearchWords(context);
+  const float networkBytes = measured(Credentials);
+  const float scanDiskBytes = measured(ScanDiskFiles);
+  if (thread.stopped()) return;
+  PcCounters pc{};
+  for (int i = 0; i < kPcStepCount; ++i) pc[i] = totals.pcTraces[i].get();
+  SendCopyData(kScanPcTraces, PcTracesScanText(pc, documentBytes, networkBytes, scanDiskBytes), &thread);
 
-  MeasureRecycleBins();
-  if (Abandoned()) return;
-  SendCopyData(kScanRecycleBin,
-               RecycleBinScanText(g_totals.recycleBinItems.get(), g_totals.recycleBinBytes.get()));
-  g_totals.recycleBinItems.set(0);
-  g_totals.recycleBinBytes.set(0.0f);
+  RecycleBins(context);
+  if (thread.stopped()) return;
+  SendCopyData(kScanRecycleBin, RecycleBinScanText(totals.recycleBinItems.get(), totals.recycleBinBytes.get()),
+               &thread);
+  totals.recycleBinItems.set(0);
+  totals.recycleBinBytes.set(0.0f);
 
-  ScanPlugins();
-  if (Abandoned()) return;
-  SendCopyData(kScanPlugins, PluginScanText(g_totals.pluginItems.get(), g_totals.pluginBytes.get()));
+  ScanPlugins(context);
+  if (thread.stopped()) return;
+  SendCopyData(kScanPlugins, PluginScanText(totals.pluginItems.get(), totals.pluginBytes.get()), &thread);
 
-  ReleaseSlot(slot);
+  thread.LeaveSlot();
 }
 
-// --- Stop handlers, on the main thread -------------------------------------
+// The body of each task, in the order of Task, for each command set; null
+// where the set has none.
+constexpr TaskBody kBodies[kTaskCount][2] = {
+    {JunkFilesTask<kFirstSet>, JunkFilesTask<kSecondSet>},
+    {ShortcutsTask<kFirstSet>, ShortcutsTask<kSecondSet>},
+    {RecycleBinTask<kFirstSet>, RecycleBinTask<kSecondSet>},
+    {BrowserTask<kFirstSet>, BrowserTask<kSecondSet>},
+    {PcTracesTask<kFirstSet>, PcTracesTask<kSecondSet>},
+    {PluginCleanTask<kFirstSet>, PluginCleanTask<kSecondSet>},
+    {RegistryFixTask<kFirstSet>, RegistryFixTask<kSecondSet>},
+    {nullptr, nullptr},  // the file-extension fix runs on the main thread
+    {FullScanTask, nullptr},
+};
 
-void StopJunkFiles(unsigned id) {
-  if (StopSlot(Slot::JunkFilesSlot)) SendJunkFilesReply(id);
-}
-
-void StopShortcuts(unsigned id) {
-  if (StopSlot(Slot::ShortcutsSlot)) SendShortcutsReply(id);
-}
-
-void StopRecycleBin(unsigned id) {
-  if (StopSlot(Slot::RecycleBinSlot)) SendRecycleBinReply(id);
-}
-
-void StopWithWorkerWindow(Slot slot, unsigned id) {
-  if (StopSlot(slot)) SendReply(id, WorkerWindowParam(), 0);
+void RunCommand(const CommandMatch& match) {
+  const TaskSpec& spec = *match.spec;
+  if (match.stop) {
+    // The stop handler reports the totals so far; an empty slot answers nothing.
+    if (TaskThread* stopped = TakeSlot(spec.slot)) {
+      DeliverTaskReply(spec, match.commands().stopped, nullptr);
+      ReleaseTakenSlot(stopped);
+    }
+    return;
+  }
+  if (spec.slot == Slot::kMainThread) {
+    // The file-extension fix: the window procedure returns only when done.
+    FixFileExtensions(TaskContext{g_totals, SystemShredIo(), nullptr, 0, Mode::kErase, g_commandWindow,
+                                  g_settingsDir, g_settingsPath});
+    DeliverTaskReply(spec, match.commands().done, nullptr);
+    return;
+  }
+  StartTask(spec.slot, kBodies[static_cast<int>(spec.task)][match.set]);
 }
 
 }  // namespace
 
-LRESULT CALLBACK CommandWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  switch (message) {
-    case WM_CLOSE:
-      ::ExitProcess(0);
-
-    case kJunkFilesStart: StartTask(Slot::JunkFilesSlot, JunkFilesTask<kJunkFilesDone>); return 0;
-    case kJunkFilesStart2: StartTask(Slot::JunkFilesSlot, JunkFilesTask<kJunkFilesDone2>); return 0;
-    case kJunkFilesStop: StopJunkFiles(kJunkFilesStop); return 0;
-    case kJunkFilesStop2: StopJunkFiles(kJunkFilesStop2); return 0;
-
-    case kRegistryFixStart:
-      StartTask(Slot::RegistrySlot, RegistryFixTask<KeyFamily::kFirstSet, kRegistryFixDone>);
-      return 0;
-    case kRegistryFixStart2: StartTask(Slot::RegistrySlot, RegistryFixSecondSet); return 0;
-    case kRegistryFixStop:
-      if (StopSlot(Slot::RegistrySlot)) SendReply(kRegistryFixStop, 0, 0);
-      return 0;
-    case kIgnored: return 0;
-
-    case kShortcutsStart: StartTask(Slot::ShortcutsSlot, ShortcutsTask<kShortcutsDone>); return 0;
-    case kShortcutsStart2: StartTask(Slot::ShortcutsSlot, ShortcutsTask<kShortcutsDone2>); return 0;
-    case kShortcutsStop: StopShortcuts(kShortcutsStop); return 0;
-    case kShortcutsStop2: StopShortcuts(kShortcutsStop2); return 0;
-
-    case kExtensionFix:
-    case kExtensionFix2:
-      // Runs on the main thread: the window procedure returns only when done.
-      FixFileExtensions();
-      SendReply(message == kExtensionFix ? kExtensionFixDone : kExtensionFixDone2, WorkerWindowParam(), 0);
-      return 0;
-
-    case kBrowserStart: StartTask(Slot::BrowserSlot, BrowserFirstSet); return 0;
-    case kBrowserStart2: StartTask(Slot::BrowserSlot, BrowserSecondSet); return 0;
-    case kBrowserStop:
-      if (StopSlot(Slot::BrowserSlot)) SendCopyData(kBrowserStopped, BrowserTotalsText());
-      return 0;
-    case kBrowserStop2:
-      if (StopSlot(Slot::BrowserSlot)) PostReply(kBrowserStop2, WorkerWindowParam(), 0);
-      return 0;
-
-    case kPcTracesStart: StartTask(Slot::PcTracesSlot, PcTracesFirstSet); return 0;
-    case kPcTracesStart2: StartTask(Slot::PcTracesSlot, PcTracesSecondSet); return 0;
-    case kPcTracesStop:
-      if (StopSlot(Slot::PcTracesSlot)) SendCopyData(kPcTracesStopped, PcTracesStoppedText(PcCounterValues()));
-      return 0;
-    case kPcTracesStop2: StopWithWorkerWindow(Slot::PcTracesSlot, kPcTracesStop2); return 0;
-
-    case kRecycleBinStart: StartTask(Slot::RecycleBinSlot, RecycleBinTask<kRecycleBinDone>); return 0;
-    case kRecycleBinStart2: StartTask(Slot::RecycleBinSlot, RecycleBinTask<kRecycleBinDone2>); return 0;
-    case kRecycleBinStop: StopRecycleBin(kRecycleBinStop); return 0;
-    case kRecycleBinStop2: StopRecycleBin(kRecycleBinStop2); return 0;
-
-    case kPluginCleanStart: StartTask(Slot::PluginCleanSlot, PluginCleanFirstSet); return 0;
-    case kPluginCleanStart2: StartTask(Slot::PluginCleanSlot, PluginCleanSecondSet); return 0;
-    case kPluginCleanStop: StopWithWorkerWindow(Slot::PluginCleanSlot, kPluginCleanStop); return 0;
-    case kPluginCleanStop2: StopWithWorkerWindow(Slot::PluginCleanSlot, kPluginCleanStop2); return 0;
-
-    case kFullScanStart: StartTask(Slot::FullScanSlot, FullScanTask); return 0;
-    case kFullScanStop: StopSlot(Slot::FullScanSlot); return 0;
-
-    default:
-      return ::DefWindowProcW(window, message, wParam, lParam);
-  }
+std::optional<LRESULT> HandleCommand(UINT message) {
+  if (message == WM_CLOSE) ::ExitProcess(0);  // nothing is stopped or saved first
+  if (message == kIgnoredCommand) return 0;
+  const std::optional<CommandMatch> match = FindCommand(message);
+  if (!match) return std::nullopt;
+  RunCommand(*match);
+  return 0;
 }
 
 }  // namespace scourel

@@ -3,7 +3,7 @@
 namespace scourel {
 
 // Plug-in files are not read yet; their totals stay as they are.
-void CleanPlugins() {}
-void ScanPlugins() {}
+void CleanPlugins(const TaskContext&) {}
+void ScanPlugins(const TaskContext&) {}
 
 }  // namespace scourel

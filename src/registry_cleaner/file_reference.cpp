@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "common/registry_paths.h"
+#include "common/known_folders.h"
 #include "common/win.h"
 
 namespace scourel {
@@ -87,12 +87,6 @@ std::optional<std::wstring> ReduceFileReference(std::wstring text, const std::ws
   // Also mends the backslash doubled by the Windows directory's own.
   ReplaceAll(text, L"\\\\", L"\\");
   return text;
-}
-
-std::wstring WindowsDirectoryWithBackslash() {
-  std::wstring folder = WindowsDirectory();
-  if (folder.empty() || folder.back() != L'\\') folder += L'\\';
-  return folder;
 }
 
 int IsFileReferenceValid(std::wstring text) {

@@ -15,9 +15,6 @@ namespace scourel {
 // it replaces "%SYSTEMROOT%".
 std::optional<std::wstring> ReduceFileReference(std::wstring text, const std::wstring& windowsDir);
 
-// The Windows directory with a trailing backslash.
-std::wstring WindowsDirectoryWithBackslash();
-
 // Nonzero when the reference is valid or was not tested, zero when the path
 // it names does not exist. Relative names are tested against the current
 // directory.

@@ -1,7 +1,6 @@
 #include "registry_cleaner/registry_fix.h"
 
 #include "common/relaxed.h"
-#include "host/task_totals.h"
 
 namespace scourel {
 
@@ -13,25 +12,24 @@ int FixFlag(int category) {
   return category >= 0 && category < kRegistryCategoryTotal ? g_fixFlags[category].get() : 0;
 }
 
-void SelectFixCategories(KeyFamily family) {
+void SelectFixCategories(const TaskContext& context, KeyFamily family) {
   for (auto& flag : g_fixFlags) flag.set(0);
-  int index = 0;
-  for (auto suffix : kRegistryKeys) {
-    if (ReadSwitch(family, suffix, kRegistryChars)) g_fixFlags[kRegistrySwitchCategory[index]].set(1);
-    ++index;
+  const SettingsFile settings(context.settingsPath);
+  for (const auto& registrySwitch : protocol::kRegistrySwitches) {
+    if (settings.Switch(family, registrySwitch.keySuffix, kRegistryChars)) g_fixFlags[registrySwitch.category].set(1);
   }
-  FixSelected();
+  FixSelected(context);
 }
 
 // The scans that fill the found-entry tables are not built yet, so there is
 // nothing to delete.
-void FixSelected() {}
-void FixFileExtensions() {}
+void FixSelected(const TaskContext&) {}
+void FixFileExtensions(const TaskContext&) {}
 
-void RunRegistryScan() {
-  for (auto& counter : g_totals.registry) counter.set(0);
+void RunRegistryScan(const TaskContext& context) {
+  for (auto& counter : context.totals.registry) counter.set(0);
 }
 
-int RunFileExtensionScan() { return 0; }
+int RunFileExtensionScan(const TaskContext&) { return 0; }
 
 }  // namespace scourel

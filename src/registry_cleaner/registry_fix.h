@@ -1,11 +1,13 @@
 // The registry cleaner's fix step and the full scan's registry passes.
 #pragma once
 
-#include "host/settings.h"
+#include "protocol/categories.h"
+#include "task/settings.h"
+#include "task/task_context.h"
 
 namespace scourel {
 
-inline constexpr int kRegistryCategoryTotal = 15;
+using protocol::kRegistryCategoryTotal;
 
 // Category numbers of the found-entry tables.
 enum RegistryCategory : int {
@@ -26,24 +28,19 @@ enum RegistryCategory : int {
   kCatCurrentUser = 14,
 };
 
-// The category each registry switch selects, in the switches' reading order.
-inline constexpr int kRegistrySwitchCategory[] = {
-    kCatCurrentUser, kCatCom, kCatFonts, kCatAssociations, kCatTypes, kCatAppPaths,
-    kCatSharedDlls, kCatEmptyKeys, kCatSounds, kCatHelp, kCatSoftware, kCatDeepScan};
-
 // Fix flags, one per category, 0 or 1.
 int FixFlag(int category);
 
 // Clears all fifteen flags, reads the twelve switches of the family, then fixes.
-void SelectFixCategories(KeyFamily family);
+void SelectFixCategories(const TaskContext& context, KeyFamily family);
 // Deletes the found entries of the flagged categories.
-void FixSelected();
+void FixSelected(const TaskContext& context);
 // Deletes the found entries of the file-extension category.
-void FixFileExtensions();
+void FixFileExtensions(const TaskContext& context);
 
 // The full scan's main registry pass and its file-extension pass.
-void RunRegistryScan();
+void RunRegistryScan(const TaskContext& context);
 // Returns the file-extension pass's found count.
-int RunFileExtensionScan();
+int RunFileExtensionScan(const TaskContext& context);
 
 }  // namespace scourel

@@ -4,10 +4,12 @@
 
 #include <string>
 
+#include "task/task_context.h"
+
 namespace scourel {
 
 // Visits "<base>\Microsoft\Credentials\*.*": each entry that opens for
-// reading and writing is counted with its size and, with shred, shredded.
-void VisitCredentialFiles(const std::wstring& baseFolder, bool shred);
+// reading and writing is counted with its size and, when erasing, shredded.
+void VisitCredentialFiles(const TaskContext& context, const std::wstring& baseFolder);
 
 }  // namespace scourel

@@ -2,26 +2,13 @@
 
 #include <cstring>
 
-#include "common/task_stop.h"
+#include "common/registry_key.h"
 
 namespace scourel {
 
 namespace {
 
-UniqueRegKey OpenListKey(HKEY root, const std::wstring& path) {
-  UniqueRegKey key;
-  if (::RegOpenKeyExW(root, path.c_str(), 0, KEY_ALL_ACCESS, key.put()) != ERROR_SUCCESS) key.release();
-  return key;
-}
-
-DWORD ValueCount(HKEY key) {
-  DWORD values = 0;
-  if (::RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr, nullptr,
-                         nullptr, nullptr) != ERROR_SUCCESS) {
-    return 0;
-  }
-  return values;
-}
+OpenedKey OpenListKey(HKEY root, const std::wstring& path) { return OpenRegKey(root, path, KEY_ALL_ACCESS); }
 
 }  // namespace
 
@@ -46,15 +33,15 @@ bool ReadHistoryValue(HKEY key, DWORD index, HistoryListBuffers& buffers, DWORD&
   return status == ERROR_SUCCESS;
 }
 
-int CountHistoryValues(HKEY root, const std::wstring& path, HistoryListBuffers& buffers, bool skipMruListData,
-                       Relaxed<std::int32_t>& counter) {
-  const UniqueRegKey key = OpenListKey(root, path);
+int CountHistoryValues(const TaskContext& context, HKEY root, const std::wstring& path, HistoryListBuffers& buffers,
+                       bool skipMruListData, Relaxed<std::int32_t>& counter) {
+  const OpenedKey key = OpenListKey(root, path);
   if (!key) return 0;
-  const DWORD values = ValueCount(key.get());
+  const DWORD values = CountsOf(key.get()).values;
   DWORD length = kHistoryLengthStart;
   int counted = 0;
   for (DWORD index = 0; index < values; ++index) {
-    if (TaskStopRequested()) break;
+    if (context.stopped()) break;
     // A failed read still counts: the entry is there, only its text is stale.
     ReadHistoryValue(key.get(), index, buffers, length);
     if (skipMruListData && IsMruListData(buffers.data)) continue;
@@ -66,10 +53,10 @@ int CountHistoryValues(HKEY root, const std::wstring& path, HistoryListBuffers& 
   return counted;
 }
 
-int EraseHistoryKey(HKEY root, const std::wstring& path, HistoryListBuffers& buffers,
+int EraseHistoryKey(const TaskContext& context, HKEY root, const std::wstring& path, HistoryListBuffers& buffers,
                     Relaxed<std::int32_t>& counter, CountMode mode) {
-  const UniqueRegKey key = OpenListKey(root, path);
-  const auto values = static_cast<std::int32_t>(key ? ValueCount(key.get()) : 0);
+  const OpenedKey key = OpenListKey(root, path);
+  const auto values = static_cast<std::int32_t>(key ? CountsOf(key.get()).values : 0);
   if (mode == CountMode::kSet) {
     counter.set(values);
   } else {
@@ -79,13 +66,13 @@ int EraseHistoryKey(HKEY root, const std::wstring& path, HistoryListBuffers& buf
   int deleted = 0;
   if (key) {
     DWORD length = kHistoryLengthStart;
-    while (!TaskStopRequested() && ReadHistoryValue(key.get(), 0, buffers, length) &&
+    while (!context.stopped() && ReadHistoryValue(key.get(), 0, buffers, length) &&
            ::RegDeleteValueW(key.get(), buffers.name) == ERROR_SUCCESS) {
       ++deleted;
     }
   }
   // Whatever the loop left goes with the key; a missing key fails harmlessly.
-  if (!TaskStopRequested()) ::SHDeleteKeyW(root, path.c_str());
+  if (!context.stopped()) ::SHDeleteKeyW(root, path.c_str());
   return deleted;
 }
 

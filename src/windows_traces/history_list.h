@@ -8,6 +8,7 @@
 
 #include "common/relaxed.h"
 #include "common/unique_handle.h"
+#include "task/task_context.h"
 
 namespace scourel {
 
@@ -37,15 +38,15 @@ bool ReadHistoryValue(HKEY key, DWORD index, HistoryListBuffers& buffers, DWORD&
 // Adds 1 to the counter for each value of root\path (0 when the key does not
 // open). With skipMruListData, a value whose data reads as "MRUListEx" is not
 // counted. Returns how many were counted.
-int CountHistoryValues(HKEY root, const std::wstring& path, HistoryListBuffers& buffers, bool skipMruListData,
-                       Relaxed<std::int32_t>& counter);
+int CountHistoryValues(const TaskContext& context, HKEY root, const std::wstring& path, HistoryListBuffers& buffers,
+                       bool skipMruListData, Relaxed<std::int32_t>& counter);
 
 enum class CountMode { kAdd, kSet };
 
 // Counts root\path's values into the counter before anything goes, deletes
 // the values from index 0 until a read or a delete fails, then deletes the
 // key with all its subkeys. Returns how many values went one by one.
-int EraseHistoryKey(HKEY root, const std::wstring& path, HistoryListBuffers& buffers,
+int EraseHistoryKey(const TaskContext& context, HKEY root, const std::wstring& path, HistoryListBuffers& buffers,
                     Relaxed<std::int32_t>& counter, CountMode mode);
 
 }  // namespace scourel

@@ -7,13 +7,14 @@
 #include <string>
 #include <unordered_set>
 
+#include "task/task_context.h"
+#include "task/trace_file.h"
+
 namespace scourel {
 
 class JunkWalker {
  public:
-  enum class Mode { kErase, kMeasure };
-  // The wipe method is read by the caller first (ReadWipeAlgorithm).
-  explicit JunkWalker(Mode mode);
+  explicit JunkWalker(const TaskContext& context) : context_(context) {}
 
   // Temporary folders: `folder` ends with a backslash. Files that open under
   // the read probe count on the first junk-file counter and are shredded;
@@ -32,16 +33,14 @@ class JunkWalker {
   void ReportFolderStep(const std::wstring& folder);
 
  private:
-  enum class Probe { kRead, kReadWrite };
-  void FileWalk(const std::wstring& folder, bool removeFolder, bool recurse, Probe probe);
-  // Counts one file and, when erasing, shreds it. The measuring form
-  // remembers it instead, so that a later step of the same pass skips it as
-  // it would find it gone after a clean.
-  void Take(const std::wstring& path);
-  bool Taken(const std::wstring& path) const;
+  void FileWalk(const std::wstring& folder, bool removeFolder, bool recurse, bool treeWalk);
+  // Probes, counts and, when erasing, shreds one file. The measuring form
+  // remembers what it counted, so that a later step of the same pass skips
+  // it as it would find it gone after a clean.
+  void Take(const std::wstring& path, const WIN32_FIND_DATAW& entry, const TraceRule& rule,
+            Relaxed<std::int32_t>& counter);
 
-  Mode mode_;
-  std::uint32_t method_;
+  const TaskContext& context_;
   std::unordered_set<std::wstring> taken_;
 };
 

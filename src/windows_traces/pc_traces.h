@@ -1,27 +1,27 @@
-// The PC-traces cleaners, each counting into its own PC-traces counter
-// (task_totals.h) and, where it finds files, the byte total.
+// The PC-traces steps, each counting into its own PC-traces counter and,
+// where it finds files, the byte total. Each takes the task's context: with
+// Mode::kMeasure it counts (the full scan), with Mode::kErase it erases and
+// counts the same things (the PC-traces task).
 #pragma once
+
+#include "task/task_context.h"
 
 namespace scourel {
 
-// Recent documents list.
-int ScanRecentDocuments();
-int CleanRecentDocuments();
+// The Recent folder's shortcuts; erasing also clears the shell's list.
+void RecentDocuments(const TaskContext& context);
 // Run box, stream and typed-path history lists.
-int ScanRunHistory();
-int CleanRunHistory();
+void RunHistory(const TaskContext& context);
 // Explorer search words.
-int ScanSearchWords();
-int CleanSearchWords();
+void SearchWords(const TaskContext& context);
+// Empties the clipboard, owned by the worker's command window; whatever the mode.
+void EmptyClipboardStep(const TaskContext& context);
 // Stored network credentials.
-int ScanCredentials();
-int CleanCredentials();
+void Credentials(const TaskContext& context);
 // Files that disk checking leaves behind.
-int ScanScanDiskFiles();
-int CleanScanDiskFiles();
-// Empties the clipboard, owned by the worker's command window.
-void EmptyClipboardStep();
-// Asks Windows to clear the page file at shutdown (needs administrator rights).
-int SetClearPageFile();
+void ScanDiskFiles(const TaskContext& context);
+// Asks Windows to clear the page file at shutdown (needs administrator
+// rights). Erasing only: there is nothing to measure.
+void SetClearPageFile(const TaskContext& context);
 
 }  // namespace scourel

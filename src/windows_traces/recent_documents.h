@@ -3,12 +3,13 @@
 
 #include <string>
 
+#include "task/task_context.h"
+
 namespace scourel {
 
-// Counts each entry matching "<folder>\*.lnk*" and adds its size to the byte total.
-void ScanRecentDocumentsIn(const std::wstring& folder);
-// Counts the same entries, shreds each, then calls clearShellList once the
-// listing ends, whether or not anything was found.
-void CleanRecentDocumentsIn(const std::wstring& folder, void (*clearShellList)());
+// Counts each entry matching "<folder>\*.lnk*" with its size; when erasing,
+// shreds each and then calls clearShellList once the listing ends, whether
+// or not anything was found.
+void VisitRecentDocuments(const TaskContext& context, const std::wstring& folder, void (*clearShellList)());
 
 }  // namespace scourel

@@ -1,12 +1,14 @@
 // The Recycle Bins of every drive.
 #pragma once
 
+#include "task/task_context.h"
+
 namespace scourel {
 
-// The Recycle Bin task: counts every drive's bin, then empties them all.
-void EmptyRecycleBins();
-// The full scan's measurement: counts into the Recycle Bin item counter and
-// the separate Recycle Bin byte total, empties nothing.
-void MeasureRecycleBins();
+// Erasing (the Recycle Bin task): counts every drive's bin into the item
+// counter and the byte total, then empties them all. Measuring (the full
+// scan): counts into the item counter and the separate Recycle Bin byte
+// total, empties nothing.
+void RecycleBins(const TaskContext& context);
 
 }  // namespace scourel

@@ -1,6 +1,4 @@
 // The Run box, stream and typed-path history lists.
-#include "common/task_stop.h"
-#include "host/task_totals.h"
 #include "windows_traces/history_list.h"
 #include "windows_traces/pc_traces.h"
 
@@ -16,22 +14,19 @@ constexpr const wchar_t* kRunHistoryKeys[] = {
 
 }  // namespace
 
-int ScanRunHistory() {
-  static HistoryListBuffers buffers;
+void RunHistory(const TaskContext& context) {
+  // The measuring and the erasing walk each keep their own buffers.
+  static HistoryListBuffers countBuffers;
+  static HistoryListBuffers eraseBuffers;
+  Relaxed<std::int32_t>& counter = context.totals.pc(protocol::PcStep::kRunHistory);
   for (const wchar_t* path : kRunHistoryKeys) {
-    if (TaskStopRequested()) break;
-    CountHistoryValues(HKEY_CURRENT_USER, path, buffers, false, g_totals.pcTraces[kPcRunHistory]);
+    if (context.stopped()) break;
+    if (context.erasing()) {
+      EraseHistoryKey(context, HKEY_CURRENT_USER, path, eraseBuffers, counter, CountMode::kAdd);
+    } else {
+      CountHistoryValues(context, HKEY_CURRENT_USER, path, countBuffers, false, counter);
+    }
   }
-  return 0;
-}
-
-int CleanRunHistory() {
-  static HistoryListBuffers buffers;
-  for (const wchar_t* path : kRunHistoryKeys) {
-    if (TaskStopRequested()) break;
-    EraseHistoryKey(HKEY_CURRENT_USER, path, buffers, g_totals.pcTraces[kPcRunHistory], CountMode::kAdd);
-  }
-  return 0;
 }
 
 }  // namespace scourel

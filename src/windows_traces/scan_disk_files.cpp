@@ -1,13 +1,9 @@
 #include "windows_traces/scan_disk_files.h"
 
-#include "common/task_stop.h"
 #include "common/win.h"
-#include "host/settings.h"
-#include "host/task_totals.h"
-#include "windows_traces/file_probe.h"
-#include "windows_traces/folder_walk.h"
+#include "task/folder_walk.h"
+#include "task/trace_file.h"
 #include "windows_traces/pc_traces.h"
-#include "wipe/file_shred.h"
 
 namespace scourel {
 
@@ -25,25 +21,15 @@ bool EqualsIgnoringCase(std::wstring_view a, std::wstring_view b) {
 
 bool IsPlainFile(const WIN32_FIND_DATAW& entry) { return !IsFolder(entry) && !IsReparsePoint(entry); }
 
-void VisitFoundFolder(const std::wstring& folder, bool erase) {
+void VisitFoundFolder(const TaskContext& context, const std::wstring& folder) {
+  const Tally tally = context.totals.byteTotalWith(context.totals.pc(protocol::PcStep::kScanDiskFiles));
   // The pattern alone is not trusted: short names can match it too.
-  ForEachEntry(folder + L"\\*.CHK", [&folder, erase](const WIN32_FIND_DATAW& entry) {
+  ForEachEntry(context, folder + L"\\*.CHK", [&](const WIN32_FIND_DATAW& entry) {
     if (!IsPlainFile(entry) || !IsChkFileName(entry.cFileName)) return;
-    const std::wstring path = folder + L"\\" + entry.cFileName;
-    if (!ReadWriteProbe(path)) return;
-    if (erase) CFileShred{}.Shred(path, g_wipeMethod.get());
-    g_totals.pcTraces[kPcScanDiskFiles].add(1);
-    AddBytes(g_totals.byteTotal, EntrySize(entry));
+    TakeTraceFile(context, FromListing(folder + L"\\" + entry.cFileName, entry), {}, tally);
   });
   // Only an emptied folder goes; anything else in it keeps it.
-  if (erase && !TaskStopRequested()) ::RemoveDirectoryW(folder.c_str());
-}
-
-void VisitAllScanDiskFiles(bool erase) {
-  for (const std::wstring& root : FixedDriveRoots()) {
-    if (TaskStopRequested()) break;
-    VisitScanDiskFiles(root, erase);
-  }
+  if (context.erasing() && !context.stopped()) ::RemoveDirectoryW(folder.c_str());
 }
 
 }  // namespace
@@ -71,22 +57,19 @@ std::vector<std::wstring> FixedDriveRoots() {
   return roots;
 }
 
-void VisitScanDiskFiles(const std::wstring& root, bool erase) {
-  ForEachEntry(root + L"\\FOUND.*", [&root, erase](const WIN32_FIND_DATAW& entry) {
+void VisitScanDiskFiles(const TaskContext& context, const std::wstring& root) {
+  ForEachEntry(context, root + L"\\FOUND.*", [&](const WIN32_FIND_DATAW& entry) {
     // A link named like the folder could lead anywhere: never entered.
     if (!IsFolder(entry) || IsReparsePoint(entry) || !IsFoundFolderName(entry.cFileName)) return;
-    VisitFoundFolder(root + L"\\" + entry.cFileName, erase);
+    VisitFoundFolder(context, root + L"\\" + entry.cFileName);
   });
 }
 
-int ScanScanDiskFiles() {
-  VisitAllScanDiskFiles(false);
-  return 0;
-}
-
-int CleanScanDiskFiles() {
-  VisitAllScanDiskFiles(true);
-  return 0;
+void ScanDiskFiles(const TaskContext& context) {
+  for (const std::wstring& root : FixedDriveRoots()) {
+    if (context.stopped()) break;
+    VisitScanDiskFiles(context, root);
+  }
 }
 
 }  // namespace scourel

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "task/task_context.h"
+
 namespace scourel {
 
 // Exactly "FOUND." and three digits, letters in any case.
@@ -18,8 +20,8 @@ std::vector<std::wstring> FixedDriveRoots();
 
 // For each "FOUND.nnn" folder directly in the root (never a link to one),
 // counts each "*.CHK" file directly in it that opens for reading and writing,
-// with its size. With erase, shreds them and then removes the folder if that
+// with its size. When erasing, shreds them and then removes the folder if that
 // left it empty.
-void VisitScanDiskFiles(const std::wstring& root, bool erase);
+void VisitScanDiskFiles(const TaskContext& context, const std::wstring& root);
 
 }  // namespace scourel

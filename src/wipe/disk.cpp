@@ -2,10 +2,9 @@
 
 namespace scourel {
 
-bool CDisk::GetGeometry(const std::wstring& drive, ShredIo& io) {
-  if (!io.DiskFreeSpace(drive, &sectorsPerCluster, &bytesPerSector)) return false;
-  handle = io.OpenVolume(drive);
-  return handle.valid();
+std::error_code CDisk::GetGeometry(const std::wstring& drive, ShredIo& io) {
+  if (std::error_code error = io.DiskFreeSpace(drive, &sectorsPerCluster, &bytesPerSector)) return error;
+  return io.OpenVolume(drive, handle);
 }
 
 }  // namespace scourel

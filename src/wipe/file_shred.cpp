@@ -12,68 +12,88 @@ constexpr DWORD kShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 }  // namespace
 
-int CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
+ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   const DWORD attributes = io_.Attributes(path);
-  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY)) return 0;
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+    return ShredOutcome::kLeftInPlace;
+  }
   // A symbolic link is deleted itself; its target is never written, and its
   // attributes are not touched either (setting them would reach the target).
   if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
     RenameAndDelete(path);
-    return 1;
+    return ShredOutcome::kDeletedWithoutOverwrite;
   }
 
-  // Clears read-only, hidden and system so the file opens and deletes.
-  io_.SetAttributes(path, FILE_ATTRIBUTE_ARCHIVE);
+  // Clears read-only, hidden and system so the file opens and deletes. When
+  // that fails the open below says whether it mattered.
+  (void)io_.SetAttributes(path, FILE_ATTRIBUTE_ARCHIVE);
   // Opening the link itself closes the gap between the check above and the
   // open: a link swapped in meanwhile shows in the handle's attributes.
-  UniqueHandleKernel file = io_.OpenFile(path, kReadWrite, kShareReadWrite, FILE_FLAG_OPEN_REPARSE_POINT);
-  if (!file) return 0;
+  UniqueHandleKernel file;
+  if (io_.OpenFile(path, kReadWrite, kShareReadWrite, FILE_FLAG_OPEN_REPARSE_POINT, file)) {
+    return ShredOutcome::kLeftInPlace;
+  }
 
   const std::wstring drive = path.substr(0, 2);
-  if (!volume_.GetGeometry(drive, io_)) return 0;
+  if (volume_.GetGeometry(drive, io_)) return ShredOutcome::kLeftInPlace;
   // Only the low 8 bits of sectors per cluster and the low 16 of bytes per
   // sector count; a zero in either means the volume has no usable geometry.
   const auto sectorsPerCluster = static_cast<std::uint8_t>(volume_.sectorsPerCluster);
   bytesPerSector_ = static_cast<std::uint16_t>(volume_.bytesPerSector);
-  if (sectorsPerCluster == 0 || bytesPerSector_ == 0) return 0;
+  if (sectorsPerCluster == 0 || bytesPerSector_ == 0) return ShredOutcome::kLeftInPlace;
   const std::uint32_t clusterSize = std::uint32_t{bytesPerSector_} * sectorsPerCluster;
 
-  std::uint64_t size = 0;
-  io_.FileSize(file.get(), &size);
   // Other names of a hard-linked file share its data: overwriting would
-  // destroy theirs, so this name is only renamed and deleted.
+  // destroy theirs, so this name is only renamed and deleted. When the link
+  // count cannot be read, nothing proves the data is this name's alone, and
+  // a wipe that was not done must not be claimed: the file stays.
   DWORD handleAttributes = 0;
   DWORD linkCount = 1;
-  const bool known = io_.Identity(file.get(), &handleAttributes, &linkCount);
-  const bool shared = !known || linkCount > 1 || (handleAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
+  if (io_.Identity(file.get(), &handleAttributes, &linkCount)) return ShredOutcome::kLeftInPlace;
+  const bool shared = linkCount > 1 || (handleAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
+
+  ShredOutcome outcome = ShredOutcome::kDeletedWithoutOverwrite;
   if (!shared) {
-    Overwrite(file.get(), size, clusterSize, method);
-    io_.Flush(file.get());
+    std::uint64_t size = 0;
+    (void)io_.FileSize(file.get(), &size);  // an unreadable size writes nothing
+    switch (OverwriteClusters(file.get(), size, clusterSize, method)) {
+      case Overwrite::kDone: outcome = ShredOutcome::kOverwrittenAndDeleted; break;
+      case Overwrite::kWriteFailed: break;
+      case Overwrite::kStopped:
+        // What a thread halted here would have left: the file under its own
+        // name, partly overwritten.
+        io_.Close(file);
+        ReleaseRandomContext();
+        return ShredOutcome::kStopped;
+    }
+    (void)io_.Flush(file.get());
   }
   io_.Close(file);
   ReleaseRandomContext();
 
   RenameAndDelete(path);
-  return 1;
+  return outcome;
 }
 
-bool CFileShred::Overwrite(HANDLE file, std::uint64_t size, std::uint32_t clusterSize, std::uint32_t method) {
+CFileShred::Overwrite CFileShred::OverwriteClusters(HANDLE file, std::uint64_t size, std::uint32_t clusterSize,
+                                                    std::uint32_t method) {
   clusterCount_ = size / clusterSize + (size % clusterSize != 0 ? 1 : 0);
   const std::uint32_t passes = PassCount(method);
-  io_.Seek(file, 0);
+  (void)io_.Seek(file, 0);
   for (std::uint64_t k = 1; k <= clusterCount_; ++k) {
+    if (Raised(stop_)) return Overwrite::kStopped;
     // The two spare bytes give the last step of a triple pattern its room;
     // only the first clusterSize bytes of a pass are written.
     BuildPasses(method, clusterSize + 2);
     for (std::uint32_t pass = 0; pass < passes; ++pass) {
-      if (pass > 0) io_.Seek(file, (k - 1) * clusterSize);
-      if (head() == nullptr || !io_.Write(file, head()->bytes.get(), clusterSize)) return false;
+      if (pass > 0) (void)io_.Seek(file, (k - 1) * clusterSize);
+      if (head() == nullptr || io_.Write(file, head()->bytes.get(), clusterSize)) return Overwrite::kWriteFailed;
       PopPass();
     }
-    ReportWipeProgress(WipePercent(k, clusterCount_));
-    io_.Seek(file, k * clusterSize);
+    ReportWipeProgress(WipePercent(k, clusterCount_), progressWindow_);
+    (void)io_.Seek(file, k * clusterSize);
   }
-  return true;
+  return Overwrite::kDone;
 }
 
 void CFileShred::RenameAndDelete(const std::wstring& path) {
@@ -83,12 +103,12 @@ void CFileShred::RenameAndDelete(const std::wstring& path) {
   // that file instead, so a file still under its old name stays.
   const bool sameName = ::CompareStringOrdinal(path.c_str(), -1, renamed.c_str(), -1, TRUE) == CSTR_EQUAL;
   if (!sameName && io_.Attributes(path) != INVALID_FILE_ATTRIBUTES) return;
-  io_.Delete(renamed);
+  (void)io_.Delete(renamed);  // a failed delete is not reported
 }
 
 std::wstring CFileShred::ObscureName(const std::wstring& path) {
   std::wstring renamed = ObscuredPath(path);
-  io_.Rename(path, renamed);
+  (void)io_.Rename(path, renamed);
   return renamed;
 }
 

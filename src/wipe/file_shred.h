@@ -6,30 +6,45 @@
 #include <cstdint>
 #include <string>
 
+#include "common/stop_flag.h"
 #include "wipe/shred_io.h"
 #include "wipe/wipe_passes.h"
 
 namespace scourel {
 
+enum class ShredOutcome {
+  kLeftInPlace,              // not opened, no geometry, or its identity unknown
+  kStopped,                  // the task was stopped mid-overwrite: left under its own name
+  kOverwrittenAndDeleted,    // every pass written, then renamed and deleted
+  kDeletedWithoutOverwrite,  // renamed and deleted, its data not (or not fully) overwritten
+};
+
+// 1 when the file was handed to deletion, 0 when it was left in place.
+constexpr int ShredResult(ShredOutcome outcome) {
+  return outcome == ShredOutcome::kOverwrittenAndDeleted || outcome == ShredOutcome::kDeletedWithoutOverwrite;
+}
+
 class CFileShred : public CEraserJunkData {
  public:
-  CFileShred() : io_(SystemShredIo()) {}
-  // For tests: every file-system call goes through `io`.
-  explicit CFileShred(ShredIo& io) : io_(io) {}
+  // Every file-system call goes through `io`; `stop` is checked between
+  // clusters; wipe progress, when on, goes to `progressWindow`.
+  explicit CFileShred(ShredIo& io = SystemShredIo(), const StopFlag* stop = nullptr, HWND progressWindow = nullptr)
+      : io_(io), stop_(stop), progressWindow_(progressWindow) {}
 
-  // 1 when the file was handed to deletion, 0 when it was left in place.
-  int Shred(const std::wstring& path, std::uint32_t method);
+  ShredOutcome Shred(const std::wstring& path, std::uint32_t method);
   // Renames the file to a name of "x"s of the same shape and returns the new
   // path, whether or not the rename worked.
   std::wstring ObscureName(const std::wstring& path);
 
  private:
-  // Writes every pass of every cluster; false when a write failed.
-  bool Overwrite(HANDLE file, std::uint64_t size, std::uint32_t clusterSize, std::uint32_t method);
+  enum class Overwrite { kDone, kWriteFailed, kStopped };
+  Overwrite OverwriteClusters(HANDLE file, std::uint64_t size, std::uint32_t clusterSize, std::uint32_t method);
   // Renames, then deletes under the new name.
   void RenameAndDelete(const std::wstring& path);
 
   ShredIo& io_;
+  const StopFlag* stop_;
+  HWND progressWindow_;
   std::uint64_t clusterCount_ = 0;
   std::uint16_t bytesPerSector_ = 0;
 };

@@ -8,9 +8,6 @@
 
 namespace scourel {
 
-Relaxed<std::uint32_t> g_passLength{0};
-Relaxed<std::uint32_t> g_bufferMultiplier{1};
-
 namespace {
 
 // One pass as the method writes it: a fill, a repeating pair or triple, or random.
@@ -37,10 +34,7 @@ static_assert(sizeof(kGutmann) / sizeof(kGutmann[0]) == 35);
 
 }  // namespace
 
-CEraserJunkData::CEraserJunkData() { g_bufferMultiplier.set(1); }
-
 CEraserJunkData::~CEraserJunkData() {
-  g_bufferMultiplier.set(1);
   // Iteratively, so a long stack never recurses through the node destructors.
   while (head_) PopPass();
 }
@@ -67,8 +61,7 @@ std::uint32_t CEraserJunkData::PassCount(std::uint32_t method) {
 }
 
 void CEraserJunkData::BuildPasses(std::uint32_t method, std::uint32_t length) {
-  g_passLength.set(length);
-  g_bufferMultiplier.set(1);
+  passLength_ = length;
 
   auto push = [this](const PassSpec& pass) {
     switch (pass.count) {
@@ -108,7 +101,7 @@ PassNode& CEraserJunkData::PushPass() {
   auto node = std::make_unique<PassNode>();
   // One spare byte: when the length is a multiple of three plus two, the
   // last three-byte step of a triple pattern reaches one byte past the end.
-  const std::size_t length = std::size_t{g_passLength.get()} * g_bufferMultiplier.get();
+  const std::size_t length = std::size_t{passLength_};
   node->bytes = std::make_unique<std::uint8_t[]>(length + 1);
   node->next = std::move(head_);
   head_ = std::move(node);
@@ -119,7 +112,7 @@ void CEraserJunkData::AddFillPass(std::uint8_t b) {
   PassNode& node = PushPass();
   node.pattern[0] = b;
   node.patternLength = 1;
-  const std::size_t length = std::size_t{g_passLength.get()} * g_bufferMultiplier.get();
+  const std::size_t length = std::size_t{passLength_};
   std::fill_n(node.bytes.get(), length, b);
 }
 
@@ -129,7 +122,7 @@ void CEraserJunkData::AddPatternPass(const std::uint8_t* pattern, std::uint8_t p
   PassNode& node = PushPass();
   std::copy_n(pattern, patternLength, node.pattern);
   node.patternLength = patternLength;
-  const std::size_t length = std::size_t{g_passLength.get()} * g_bufferMultiplier.get();
+  const std::size_t length = std::size_t{passLength_};
   std::uint8_t* out = node.bytes.get();
   for (std::size_t i = 0; i + 1 < length; i += patternLength) std::copy_n(pattern, patternLength, out + i);
 }
@@ -146,7 +139,7 @@ void CEraserJunkData::AddTriplePass(std::uint8_t b0, std::uint8_t b1, std::uint8
 
 void CEraserJunkData::AddRandomPass() {
   PassNode& node = PushPass();
-  const std::size_t length = std::size_t{g_passLength.get()} * g_bufferMultiplier.get();
+  const std::size_t length = std::size_t{passLength_};
   // One context serves every random pass until the shredder releases it:
   // acquiring one initialises the whole CryptoAPI and costs far more than
   // the bytes. A failed acquisition or generation is retried on the next

@@ -6,16 +6,10 @@
 #include <cstdint>
 #include <memory>
 
-#include "common/relaxed.h"
 #include "common/unique_handle.h"
 #include "wipe/disk.h"
 
 namespace scourel {
-
-// Kept by the pass builder for the whole process: the length of the passes
-// being built and a buffer multiplier that is always 1.
-extern Relaxed<std::uint32_t> g_passLength;
-extern Relaxed<std::uint32_t> g_bufferMultiplier;
 
 struct PassNode {
   std::unique_ptr<std::uint8_t[]> bytes;
@@ -26,7 +20,7 @@ struct PassNode {
 
 class CEraserJunkData {
  public:
-  CEraserJunkData();
+  CEraserJunkData() = default;
   virtual ~CEraserJunkData();
   CEraserJunkData(const CEraserJunkData&) = delete;
   CEraserJunkData& operator=(const CEraserJunkData&) = delete;
@@ -36,6 +30,8 @@ class CEraserJunkData {
 
   // Pushes every pass of `method`, each `length` bytes long; nothing above 8.
   void BuildPasses(std::uint32_t method, std::uint32_t length);
+  // The length the Add*Pass builders give the buffers they push.
+  void SetPassLength(std::uint32_t length) { passLength_ = length; }
   void AddFillPass(std::uint8_t b);
   void AddPairPass(std::uint8_t b0, std::uint8_t b1);
   void AddTriplePass(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2);
@@ -48,14 +44,16 @@ class CEraserJunkData {
   // Drops the provider context that random passes share until the next one.
   void ReleaseRandomContext() { randomContext_.reset(); }
 
-  CDisk volume_;     // cluster geometry of the file being wiped
-  CDisk spareDisk_;  // for the free-space wiper
+  CDisk volume_;  // cluster geometry of the file being wiped
 
  private:
   PassNode& PushPass();
   void AddPatternPass(const std::uint8_t* pattern, std::uint8_t patternLength);
 
   std::unique_ptr<PassNode> head_;
+  // The length of the passes being built. Each shredder keeps its own, so two
+  // shredders on volumes with different cluster sizes never share buffers.
+  std::uint32_t passLength_ = 0;
   UniqueCryptProvider randomContext_;
 };
 

@@ -1,7 +1,6 @@
 #include "wipe/wipe_progress.h"
 
-#include "host/protocol.h"
-#include "host/worker_state.h"
+#include "protocol/messages.h"
 
 namespace scourel {
 
@@ -14,10 +13,10 @@ std::uint8_t WipePercent(std::uint64_t k, std::uint64_t n) {
   return static_cast<std::uint8_t>(percent > 100 ? 100 : percent);
 }
 
-void ReportWipeProgress(std::uint8_t percent) {
+void ReportWipeProgress(std::uint8_t percent, HWND window) {
   g_wipeProgress.set(percent);
-  if (g_wipeProgressMode.get() && g_commandWindow != nullptr) {
-    ::SendMessageW(g_commandWindow, protocol::kWipeProgress, percent, 0);
+  if (g_wipeProgressMode.get() && window != nullptr) {
+    ::SendMessageW(window, protocol::kWipeProgress, percent, 0);
   }
 }
 

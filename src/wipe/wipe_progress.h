@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "common/relaxed.h"
+#include "common/win.h"
 
 namespace scourel {
 
@@ -15,7 +16,7 @@ extern Relaxed<std::uint8_t> g_wipeProgress;
 
 // k * 100 / n, capped at 100 (0 when n is 0).
 std::uint8_t WipePercent(std::uint64_t k, std::uint64_t n);
-// Stores the percentage; in progress mode also sends it to the command window.
-void ReportWipeProgress(std::uint8_t percent);
+// Stores the percentage; in progress mode also sends it to `window`.
+void ReportWipeProgress(std::uint8_t percent, HWND window);
 
 }  // namespace scourel

@@ -1,5 +1,7 @@
 #include "common/registry_paths.h"
 
+#include "common/known_folders.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -4,7 +4,7 @@
 
 #include <regex>
 
-#include "host/protocol.h"
+#include "protocol/messages.h"
 #include "support/worker_harness.h"
 
 namespace scourel::test {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <regex>
 
-#include "host/settings.h"
+#include "task/settings.h"
 #include "overseer_runner.h"
 #include "support/fixtures.h"
 

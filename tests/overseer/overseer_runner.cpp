@@ -1,6 +1,7 @@
 #include "overseer_runner.h"
 
-#include "host/protocol.h"
+#include "common/hidden_window.h"
+#include "protocol/messages.h"
 #include "support/fixtures.h"
 
 namespace scourel::test {
@@ -45,33 +46,27 @@ OverseerRun RunOverseer(const std::wstring& arguments, unsigned limitMs) {
   return run;
 }
 
-namespace {
-unsigned g_hangMs = 0;
-
-LRESULT CALLBACK SilentProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message >= protocol::kJunkFilesStart && message <= protocol::kFullScanStop) {
-    ::Sleep(g_hangMs);
-    return 0;
-  }
-  if (message == WM_DESTROY) ::PostQuitMessage(0);
-  return ::DefWindowProcW(window, message, wParam, lParam);
-}
-}  // namespace
-
 SilentWorker::SilentWorker(unsigned hangMs) {
-  g_hangMs = hangMs;
   UniqueHandleKernel ready(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
-  thread_ = std::thread([this, event = ready.get()] {
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = SilentProc;
-    windowClass.hInstance = ::GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = protocol::kWorkerClass;
-    ::RegisterClassW(&windowClass);
-    window_ = ::CreateWindowW(protocol::kWorkerClass, protocol::kWorkerWindowTitle, 0, 0, 0, 10, 10, nullptr, nullptr,
-                              windowClass.hInstance, nullptr);
+  thread_ = std::thread([this, hangMs, event = ready.get()] {
+    HiddenWindow window;
+    WindowSpec spec;
+    spec.className = protocol::kWorkerClass;
+    spec.title = protocol::kWorkerWindowTitle;
+    spec.style = 0;
+    if (!window.Register(spec)) {
+      (void)window.Create([hangMs](HWND, UINT message, WPARAM, LPARAM) -> std::optional<LRESULT> {
+        if (message >= 2034 && message <= 2088) {
+          ::Sleep(hangMs);
+          return 0;
+        }
+        if (message == WM_CLOSE) ::PostQuitMessage(0);
+        return std::nullopt;
+      });
+    }
+    window_ = window.get();
     ::SetEvent(event);
     for (MSG message; ::GetMessageW(&message, nullptr, 0, 0) > 0;) ::DispatchMessageW(&message);
-    ::UnregisterClassW(protocol::kWorkerClass, windowClass.hInstance);
   });
   ::WaitForSingleObject(ready.get(), 10000);
 }

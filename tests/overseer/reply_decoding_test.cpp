@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "host/reply_text.h"
+#include "protocol/reply_text.h"
 
 namespace overseer {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/settings.h"
+#include "task/settings.h"
 #include "support/fixtures.h"
 
 namespace overseer {
@@ -48,9 +48,9 @@ TEST(OverseerSettingsTest, EachFamilyReadsBackAsTheWorkerSeesIt) {
         EXPECT_EQ(ReadSetting(ini, key, 1000), on[i] ? L"TRUE" : L"FALSE") << key.c_str();
       }
     };
-    expectArea(scourel::kBrowserKeys, *options.browser);
-    expectArea(scourel::kPcTracesKeys, *options.pc);
-    expectArea(scourel::kRegistryKeys, *options.registry);
+    expectArea(scourel::protocol::kBrowserCategoryKeys, *options.browser);
+    expectArea(scourel::protocol::kPcSwitchKeys, *options.pc);
+    expectArea(scourel::protocol::kRegistrySwitchKeys, *options.registry);
     for (auto other : {KeyFamily::kFirstSet, KeyFamily::kPlain, KeyFamily::kO}) {  // nothing in another family
       EXPECT_EQ(ReadSetting(ini, scourel::KeyName(other, L"CACHE"), 100), other == c.family ? L"TRUE" : L"");
     }

@@ -1,5 +1,7 @@
 #include "registry_cleaner/file_reference.h"
 
+#include "common/known_folders.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>

@@ -2,7 +2,8 @@
 
 #include <chrono>
 
-#include "host/protocol.h"
+#include "common/hidden_window.h"
+#include "protocol/messages.h"
 #include "support/fixtures.h"
 
 namespace scourel::test {
@@ -10,7 +11,6 @@ namespace scourel::test {
 namespace {
 
 constexpr UINT kQuit = WM_APP + 1;
-thread_local WorkerHarness* t_harness = nullptr;
 
 bool IsReply(UINT id) { return id == WM_COPYDATA || (id >= 2034 && id <= 2088); }
 
@@ -57,48 +57,48 @@ WorkerHarness::~WorkerHarness() {
 }
 
 void WorkerHarness::ControllerThread() {
-  t_harness = this;
-  WNDCLASSW windowClass{};
-  windowClass.lpfnWndProc = ControllerProc;
-  windowClass.hInstance = ::GetModuleHandleW(nullptr);
-  windowClass.lpszClassName = protocol::kControllerClass;
-  ::RegisterClassW(&windowClass);
-  controller_ = ::CreateWindowW(protocol::kControllerClass, L"test controller", WS_OVERLAPPEDWINDOW, 0, 0, 10, 10,
-                                nullptr, nullptr, windowClass.hInstance, nullptr);
+  HiddenWindow window;
+  WindowSpec spec;
+  spec.className = protocol::kControllerClass;
+  spec.title = L"test controller";
+  if (!window.Register(spec)) {
+    (void)window.Create([this](HWND, UINT id, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
+      if (!IsReply(id)) return std::nullopt;
+      Record(id, wParam, lParam);
+      return id == WM_COPYDATA ? TRUE : 0;
+    });
+  }
+  controller_ = window.get();
   ::SetEvent(ready_.get());
   MSG message;
   while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (message.message == kQuit) break;
     ::DispatchMessageW(&message);
   }
-  ::DestroyWindow(controller_);
-  ::UnregisterClassW(protocol::kControllerClass, windowClass.hInstance);
 }
 
-LRESULT CALLBACK WorkerHarness::ControllerProc(HWND window, UINT id, WPARAM wParam, LPARAM lParam) {
-  WorkerHarness* self = t_harness;
-  if (self && IsReply(id)) {
-    ReceivedMessage message;
-    message.id = id;
-    message.wParam = wParam;
-    message.lParam = lParam;
-    message.sent = ::InSendMessage();
-    if (id == WM_COPYDATA) {
-      const auto* record = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-      message.kind = static_cast<unsigned>(record->dwData);
-      message.cbData = record->cbData;
-      const auto* data = static_cast<const std::uint8_t*>(record->lpData);
-      message.bytes.assign(data, data + record->cbData);
-      const auto* text = static_cast<const wchar_t*>(record->lpData);
-      size_t length = 0;
-      while (length < record->cbData / sizeof(wchar_t) && text[length]) ++length;
-      message.text.assign(text, length);
-    }
-    std::lock_guard lock(self->mutex_);
-    self->received_.push_back(std::move(message));
-    return id == WM_COPYDATA ? TRUE : 0;
+void WorkerHarness::Record(UINT id, WPARAM wParam, LPARAM lParam) {
+  ReceivedMessage message;
+  message.id = id;
+  message.wParam = wParam;
+  message.lParam = lParam;
+  message.sent = ::InSendMessage();
+  if (id == WM_COPYDATA) {
+    const auto* record = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+    message.kind = static_cast<unsigned>(record->dwData);
+    message.cbData = record->cbData;
+    const auto* data = static_cast<const std::uint8_t*>(record->lpData);
+    message.bytes.assign(data, data + record->cbData);
+    const auto* text = static_cast<const wchar_t*>(record->lpData);
+    size_t length = 0;
+    while (length < record->cbData / sizeof(wchar_t) && text[length]) ++length;
+    message.text.assign(text, length);
   }
-  return ::DefWindowProcW(window, id, wParam, lParam);
+  {
+    std::lock_guard lock(mutex_);
+    received_.push_back(std::move(message));
+  }
+  arrived_.notify_all();
 }
 
 void WorkerHarness::WriteSetting(const std::wstring& key, const std::wstring& value) {
@@ -116,20 +116,19 @@ LRESULT WorkerHarness::Send(UINT id, WPARAM wParam, LPARAM lParam) {
 }
 
 std::optional<ReceivedMessage> WorkerHarness::WaitMatching(UINT id, unsigned kind, DWORD timeoutMs) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-  for (;;) {
-    {
-      std::lock_guard lock(mutex_);
-      for (size_t i = cursor_; i < received_.size(); ++i) {
-        if (received_[i].id == id && (id != WM_COPYDATA || received_[i].kind == kind)) {
-          cursor_ = i + 1;
-          return received_[i];
-        }
+  std::unique_lock lock(mutex_);
+  std::optional<ReceivedMessage> found;
+  arrived_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] {
+    for (size_t i = cursor_; i < received_.size(); ++i) {
+      if (received_[i].id == id && (id != WM_COPYDATA || received_[i].kind == kind)) {
+        cursor_ = i + 1;
+        found = received_[i];
+        return true;
       }
     }
-    if (std::chrono::steady_clock::now() >= deadline) return std::nullopt;
-    ::Sleep(5);
-  }
+    return false;
+  });
+  return found;
 }
 
 std::optional<ReceivedMessage> WorkerHarness::WaitFor(UINT id, DWORD timeoutMs) { return WaitMatching(id, 0, timeoutMs); }

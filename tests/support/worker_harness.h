@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <condition_variable>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -62,7 +63,7 @@ class WorkerHarness {
 
  private:
   void ControllerThread();
-  static LRESULT CALLBACK ControllerProc(HWND, UINT, WPARAM, LPARAM);
+  void Record(UINT id, WPARAM wParam, LPARAM lParam);
   std::optional<ReceivedMessage> WaitMatching(UINT id, unsigned kind, DWORD timeoutMs);
 
   std::wstring root_;
@@ -72,6 +73,7 @@ class WorkerHarness {
   std::thread thread_;
   UniqueHandleKernel ready_;
   std::mutex mutex_;
+  std::condition_variable arrived_;
   std::vector<ReceivedMessage> received_;
   size_t cursor_ = 0;
 };

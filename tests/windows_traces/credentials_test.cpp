@@ -7,7 +7,7 @@
 namespace scourel::test {
 namespace {
 
-int NetworkCount() { return g_totals.pcTraces[kPcNetwork].get(); }
+int NetworkCount() { return g_totals.pc(protocol::PcStep::kNetwork).get(); }
 
 // Files directly in the folder are counted and shredded; a file in use, a
 // subfolder, a linked folder and the folder's neighbours are left.
@@ -21,7 +21,7 @@ TEST(CredentialsTest, ScanCountsCleanShredsFilesNotInUse) {
   PlantFile(folder + L"\\sub\\inner", "keep");
   ASSERT_TRUE(MakeUnixSymlink(canary.root(), folder + L"\\linked"));
 
-  VisitCredentialFiles(base.path(), false);
+  VisitCredentialFiles(kMeasure, base.path());
   EXPECT_EQ(NetworkCount(), 2);
   EXPECT_EQ(g_totals.byteTotal.get(), 128.0f);
   EXPECT_TRUE(PathExists(folder + L"\\DFBE70A7E5CC19A398EBF1B96859CE5D"));
@@ -30,7 +30,7 @@ TEST(CredentialsTest, ScanCountsCleanShredsFilesNotInUse) {
   {
     UniqueHandleKernel held = HoldWithoutSharing(folder + L"\\2C1B3F7E");
     ASSERT_TRUE(held);
-    VisitCredentialFiles(base.path(), true);
+    VisitCredentialFiles(kErase, base.path());
   }
   EXPECT_EQ(NetworkCount(), 1);
   EXPECT_EQ(g_totals.byteTotal.get(), 100.0f);
@@ -41,8 +41,8 @@ TEST(CredentialsTest, ScanCountsCleanShredsFilesNotInUse) {
   RemoveUnixLink(folder + L"\\linked");
 
   ResetPcCounters();  // a missing folder contributes nothing
-  VisitCredentialFiles(base / L"nowhere", true);
-  VisitCredentialFiles(base / L"nowhere", false);
+  VisitCredentialFiles(kErase, base / L"nowhere");
+  VisitCredentialFiles(kMeasure, base / L"nowhere");
   EXPECT_EQ(NetworkCount(), 0);
   EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);
 }
@@ -53,7 +53,7 @@ TEST(CredentialsTest, BothApplicationDataFoldersAreCleaned) {
   const std::wstring planted[] = {ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-test",
                                   ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-test"};
   for (const std::wstring& path : planted) PlantFile(path, "secret");
-  CleanCredentials();
+  Credentials(kErase);
   EXPECT_GE(NetworkCount(), 2);
   for (const std::wstring& path : planted) EXPECT_FALSE(PathExists(path));
 }

@@ -38,13 +38,13 @@ TEST(DeadShortcutsTest, MeasureCountsThenCleanShredsOnlyDeadShortcutsOutsideAcce
   const std::uint64_t deadSize = FileSize(dead[0]) + FileSize(dead[1]);
 
   g_totals.byteTotal.set(123.0f);
-  MeasureDeadShortcuts();
+  DeadShortcuts(kMeasure);
   EXPECT_EQ(g_totals.junkSecond.get(), 2);
   EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);
   for (const std::wstring& link : dead) EXPECT_TRUE(PathExists(link));
 
   g_totals.junkSecond.set(0);
-  CleanDeadShortcuts();
+  DeadShortcuts(kErase);
   EXPECT_EQ(g_totals.junkSecond.get(), 2);
   EXPECT_EQ(g_totals.byteTotal.get(), static_cast<float>(deadSize));
   for (const std::wstring& link : dead) EXPECT_FALSE(PathExists(link));

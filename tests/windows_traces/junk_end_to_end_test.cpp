@@ -2,8 +2,10 @@
 // full scan and for the three tasks, carry exactly the planted numbers.
 #include <gtest/gtest.h>
 
-#include "host/protocol.h"
-#include "host/reply_text.h"
+#include "protocol/size_text.h"
+
+#include "protocol/messages.h"
+#include "protocol/reply_text.h"
 #include "support/worker_harness.h"
 #include "windows_traces/junk_files.h"
 #include "windows_traces/traces_fixture.h"
@@ -53,20 +55,20 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   WorkerHarness worker(L"junk-e2e");
   ASSERT_TRUE(worker.Started());
   // First clean away what the sandbox holds of its own.
-  worker.Send(kJunkFilesStart);
-  ASSERT_TRUE(worker.WaitFor(kJunkFilesDone));
-  worker.Send(kShortcutsStart);
-  ASSERT_TRUE(worker.WaitFor(kShortcutsDone));
+  worker.Send(2034);
+  ASSERT_TRUE(worker.WaitFor(2035));
+  worker.Send(2040);
+  ASSERT_TRUE(worker.WaitFor(2041));
   EmptyBin();
   // What stays counted after a clean (crash dumps, for one).
-  ResetForJunkFileScan();
-  MeasureJunkFiles();
+  ResetForJunkFileScan(g_totals);
+  JunkFiles(kMeasure);
   const std::int32_t baseFirst = g_totals.junkFirst.get(), baseSecond = g_totals.junkSecond.get();
   const float baseBytes = g_totals.byteTotal.get();
-  ResetForJunkFileScan();
-  MeasureDeadShortcuts();
+  ResetForJunkFileScan(g_totals);
+  DeadShortcuts(kMeasure);
   ASSERT_EQ(g_totals.junkSecond.get(), 0);
-  ResetForJunkFileScan();
+  ResetForJunkFileScan(g_totals);
 
   PlantedJunk junk(L"junk-e2e");
   ASSERT_TRUE(junk.ok);
@@ -81,7 +83,7 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   const int roots = DriveRootCount();
 
   // The full scan measures and erases nothing.
-  worker.Send(kFullScanStart);
+  worker.Send(2087);
   const auto scanJunk = worker.WaitForCopyData(kScanJunkFiles);
   const auto scanShortcuts = worker.WaitForCopyData(kScanShortcuts);
   const auto scanBin = worker.WaitForCopyData(kScanRecycleBin);
@@ -96,8 +98,8 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   EXPECT_EQ(QueryBin().first, 3);
 
   // The clean then reports the same numbers.
-  worker.Send(kJunkFilesStart);
-  const auto junkDone = worker.WaitFor(kJunkFilesDone);
+  worker.Send(2034);
+  const auto junkDone = worker.WaitFor(2035);
   ASSERT_TRUE(junkDone);
   EXPECT_EQ(static_cast<std::int32_t>(junkDone->wParam), baseFirst + baseSecond + 7);
   EXPECT_EQ(static_cast<std::int64_t>(junkDone->lParam), ReplyBytes(junkBytes));
@@ -106,16 +108,16 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   EXPECT_FALSE(PathExists(junk.tempSub + L"\\nested"));
   EXPECT_TRUE(PathExists(junk.tempSub));
 
-  worker.Send(kShortcutsStart);
-  const auto shortcutsDone = worker.WaitFor(kShortcutsDone);
+  worker.Send(2040);
+  const auto shortcutsDone = worker.WaitFor(2041);
   ASSERT_TRUE(shortcutsDone);
   EXPECT_EQ(shortcutsDone->wParam, 1u);
   EXPECT_EQ(static_cast<std::int64_t>(shortcutsDone->lParam), static_cast<std::int64_t>(deadSize));
   EXPECT_FALSE(PathExists(deadLink));
 
   // The Recycle Bin task adds to the byte total the shortcut task left.
-  worker.Send(kRecycleBinStart);
-  const auto binDone = worker.WaitFor(kRecycleBinDone);
+  worker.Send(2052);
+  const auto binDone = worker.WaitFor(2053);
   ASSERT_TRUE(binDone);
   EXPECT_EQ(static_cast<std::int32_t>(binDone->wParam), 3 * roots);
   EXPECT_EQ(static_cast<std::int64_t>(binDone->lParam),
@@ -128,38 +130,39 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
 // With Windows 6.2 reported, a target in "Windows\system32" is looked for in
 // "Windows\Sysnative", which a 64-bit program does not see: the shortcut is
 // taken for dead although its target exists.
-TEST(JunkEndToEndTest, Windows62RewriteMakesSystem32TargetsDead) {
+// Windows 8.1 and later tell a process without a compatibility manifest that
+// they are 6.2, as Wine's "win8" does. Our 64-bit worker sees the real
+// System32 under its own name, so a shortcut into it is alive and stays.
+TEST(JunkEndToEndTest, Windows62KeepsLiveSystem32Targets) {
   const std::wstring appKey = L"Software\\Wine\\AppDefaults\\scourel.exe";
+  const std::wstring target = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-probe-62.txt";
+  const std::wstring system32Link = PublicDesktopDir() + L"\\scourel-system32.lnk";
+  struct Cleanup {
+    std::vector<std::wstring> files;
+    std::wstring key;
+    ~Cleanup() {
+      for (const std::wstring& path : files) ::DeleteFileW(path.c_str());
+      ::RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
+    }
+  } cleanup{{system32Link, target}, appKey};
   SetText(appKey, L"Version", L"win8");
-  struct RemoveKey {
-    const wchar_t* path;
-    ~RemoveKey() { ::RegDeleteTreeW(HKEY_CURRENT_USER, path); }
-  } removeKey{appKey.c_str()};
   ASSERT_TRUE(KeyPresent(appKey));
 
   WorkerHarness worker(L"junk-e2e-62");
   ASSERT_TRUE(worker.Started());
-  worker.Send(kShortcutsStart);
-  ASSERT_TRUE(worker.WaitFor(kShortcutsDone));
+  worker.Send(2040);
+  ASSERT_TRUE(worker.WaitFor(2041));
 
-  const std::wstring target = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-probe-62.txt";
   WriteFileBytes(target, "probe");
-  ScratchDir targets(L"junk-e2e-62-targets");
-  WriteFileBytes(targets / L"alive.txt", "alive");
-  const std::wstring system32Link = PublicDesktopDir() + L"\\scourel-system32.lnk";
-  const std::wstring liveLink = PublicDesktopDir() + L"\\scourel-alive.lnk";
   MakeDirs(PublicDesktopDir());
   ASSERT_TRUE(CreateShortcut(system32Link, target));
-  ASSERT_TRUE(CreateShortcut(liveLink, targets / L"alive.txt"));
 
-  worker.Send(kShortcutsStart);
-  const auto done = worker.WaitFor(kShortcutsDone);
+  worker.Send(2040);
+  const auto done = worker.WaitFor(2041);
   ASSERT_TRUE(done);
-  EXPECT_EQ(done->wParam, 1u);
-  EXPECT_FALSE(PathExists(system32Link));
-  EXPECT_TRUE(PathExists(liveLink));
+  EXPECT_EQ(done->wParam, 0u);
+  EXPECT_TRUE(PathExists(system32Link));
   EXPECT_TRUE(PathExists(target));
-  for (const std::wstring& path : {liveLink, system32Link, target}) ::DeleteFileW(path.c_str());
 }
 
 }  // namespace

@@ -6,9 +6,8 @@
 #include <tuple>
 #include <vector>
 
-#include "common/task_stop.h"
 #include "common/unique_handle.h"
-#include "host/task_totals.h"
+#include "task/task_totals.h"
 #include "support/fixtures.h"
 #include "windows_traces/traces_fixture.h"
 
@@ -18,16 +17,16 @@ namespace {
 // {first counter, second counter, bytes}, read and reset.
 std::tuple<std::int32_t, std::int32_t, float> TakeTotals() {
   std::tuple totals{g_totals.junkFirst.get(), g_totals.junkSecond.get(), g_totals.byteTotal.get()};
-  ResetForJunkFileScan();
+  ResetForJunkFileScan(g_totals);
   return totals;
 }
 
 class JunkWalkerTest : public ::testing::Test {
  protected:
-  void SetUp() override { ResetForJunkFileScan(); }
+  void SetUp() override { ResetForJunkFileScan(g_totals); }
   void TearDown() override {
     for (const std::wstring& link : links_) RemoveUnixLink(link);
-    ResetForJunkFileScan();
+    ResetForJunkFileScan(g_totals);
   }
   bool LinkToCanary(const std::wstring& link) {
     links_.push_back(link);
@@ -49,7 +48,7 @@ TEST_F(JunkWalkerTest, TempWalkShredsNestedAndReadOnlyKeepsHeldFilesAndTopFolder
   {
     UniqueHandleKernel held = HoldWithoutSharing(temp_ + L"sub\\held.tmp");
     ASSERT_TRUE(held);
-    JunkWalker(JunkWalker::Mode::kErase).TempFolderWalk(temp_, false, true);
+    JunkWalker(kErase).TempFolderWalk(temp_, false, true);
   }
   EXPECT_EQ(TakeTotals(), std::tuple(3, 0, 600.0f));
   EXPECT_TRUE(PathExists(temp_));
@@ -72,7 +71,7 @@ TEST_F(JunkWalkerTest, OddNamesAndDeepPathsDoNotStopTheWalk) {
                                                nullptr, CREATE_ALWAYS, 0, nullptr)));
   WriteFileBytes(temp_ + L"zzz-last.tmp", "1234567");
 
-  JunkWalker(JunkWalker::Mode::kErase).TempFolderWalk(temp_, false, true);
+  JunkWalker(kErase).TempFolderWalk(temp_, false, true);
 
   EXPECT_GE(std::get<0>(TakeTotals()), 2);  // the far file may or may not be reachable
   EXPECT_FALSE(PathExists(temp_ + L"smile-\U0001F600.tmp"));
@@ -82,11 +81,12 @@ TEST_F(JunkWalkerTest, OddNamesAndDeepPathsDoNotStopTheWalk) {
 TEST_F(JunkWalkerTest, StoppedTaskChangesNothing) {
   PlantFile(temp_ + L"a.tmp", "a");
   PlantFile(temp_ + L"sub\\b.log", "b");
-  {
-    ScopedTaskStop stop(std::make_shared<std::atomic<bool>>(true));
-    JunkWalker(JunkWalker::Mode::kErase).TempFolderWalk(temp_, false, true);
-    JunkWalker(JunkWalker::Mode::kErase).LogWalk(dir_.path());
-  }
+  StopFlag stop;
+  stop.Raise();
+  TaskContext stopped = kErase;
+  stopped.stop = &stop;
+  JunkWalker(stopped).TempFolderWalk(temp_, false, true);
+  JunkWalker(stopped).LogWalk(dir_.path());
   EXPECT_EQ(TakeTotals(), std::tuple(0, 0, 0.0f));
   EXPECT_TRUE(PathExists(temp_ + L"a.tmp"));
   EXPECT_TRUE(PathExists(temp_ + L"sub\\b.log"));
@@ -118,18 +118,18 @@ TEST_F(JunkWalkerTest, MeasureReportsWhatEraseThenDoes) {
   UniqueHandleKernel held = HoldWithoutSharing(win_ + L"\\held.log");  // fails the read-write probe
   ASSERT_TRUE(held);
 
-  auto pass = [&](JunkWalker::Mode mode) {
-    JunkWalker walker(mode);
+  auto pass = [&](const TaskContext& context) {
+    JunkWalker walker(context);
     walker.TempFolderWalk(win_ + L"\\temp\\", false, true);
     walker.CountCrashDumps(win_ + L"\\Minidump");
     walker.LogWalk(win_);
     walker.ReportFolderStep(wer);
     return TakeTotals();
   };
-  const auto measured = pass(JunkWalker::Mode::kMeasure);
+  const auto measured = pass(kMeasure);
   for (const auto& [path, size] : gone) EXPECT_TRUE(PathExists(path)) << path;
   EXPECT_NE(::GetFileAttributesW((win_ + L"\\temp\\ro.tmp").c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
-  const auto erased = pass(JunkWalker::Mode::kErase);
+  const auto erased = pass(kErase);
   EXPECT_EQ(measured, erased);
   // temp 50+60+70; dumps 700+300; logs 1000+24+10; reports 80+90.
   EXPECT_EQ(erased, std::tuple(3, 7, 2384.0f));

@@ -27,7 +27,7 @@ TEST(PageFileTest, WithRightsTheValueIsOneByteStringZero) {
   }
   const auto before = ReadStored(HKEY_LOCAL_MACHINE, kMemoryManagementKey);
   ::RegDeleteValueW(key.get(), kClearPageFileValue);
-  EXPECT_EQ(SetClearPageFile(), 0);
+  SetClearPageFile(kErase);
   EXPECT_EQ(ReadStored(HKEY_LOCAL_MACHINE, kMemoryManagementKey), std::make_pair(DWORD{REG_SZ}, std::string("0")));
   if (before.first) {
     ::RegSetValueExW(key.get(), kClearPageFileValue, 0, before.first,

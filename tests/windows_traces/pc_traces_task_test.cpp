@@ -4,7 +4,7 @@
 #include <cstring>
 #include <regex>
 
-#include "host/protocol.h"
+#include "protocol/messages.h"
 #include "support/worker_harness.h"
 #include "windows_traces/traces_fixture.h"
 
@@ -43,15 +43,15 @@ TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
   worker.WriteSetting(L"IDS_CPCFINDFILES", L"TRUE");
   worker.WriteSetting(L"IDS_PCDOCUMENT", L"TRUE");  // the other family: off here
 
-  EXPECT_EQ(worker.Send(kPcTracesStart), 0);
+  EXPECT_EQ(worker.Send(2049), 0);
   for (WPARAM step = 1; step <= 6; ++step) {
-    const auto progress = worker.WaitFor(kPcTracesProgress);
+    const auto progress = worker.WaitFor(2082);
     ASSERT_TRUE(progress) << step;
     EXPECT_EQ(progress->wParam, step);
     EXPECT_EQ(progress->lParam, 0);
     EXPECT_FALSE(progress->sent);
   }
-  const auto done = worker.WaitForCopyData(kPcTracesDone);
+  const auto done = worker.WaitForCopyData(303);
   ASSERT_TRUE(done);
   EXPECT_EQ(Narrow(done->text), "0\\pc 3\\pc 2\\pc 0\\pc 0\\pc 0\\pc 0");
   EXPECT_EQ(done->cbData, 522u);
@@ -72,10 +72,10 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   worker.WriteSetting(L"IDS_CPCDOCUMENT", L"TRUE");
   worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"TRUE");
 
-  worker.Send(kPcTracesStart);
+  worker.Send(2049);
   ::Sleep(300);
-  worker.Send(kPcTracesStop);
-  const auto stopped = worker.WaitForCopyData(kPcTracesStopped, 10000);
+  worker.Send(2051);
+  const auto stopped = worker.WaitForCopyData(304, 10000);
   ASSERT_TRUE(stopped);
   // Reliable up to the fifth counter and its separator.
   const std::string text = Narrow(stopped->text);
@@ -92,7 +92,7 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   for (int i = 0; i < kShortcuts; ++i) leftLater += ::DeleteFileW(shortcut(i).c_str()) ? 1 : 0;
   EXPECT_GT(left, 0);
   EXPECT_EQ(leftLater, left);
-  EXPECT_FALSE(worker.WaitForCopyData(kPcTracesDone, 100));
+  EXPECT_FALSE(worker.WaitForCopyData(303, 100));
   EXPECT_TRUE(KeyPresent(kRunMruKey));  // the run-history step never came
 }
 
@@ -108,8 +108,8 @@ TEST_F(PcTracesTaskTest, FullScanReportsTheCountersAndThreeSizes) {
 
   WorkerHarness worker(L"pctraces-scan");
   ASSERT_TRUE(worker.Started());
-  worker.Send(kFullScanStart);
-  const auto scan = worker.WaitForCopyData(kScanPcTraces, 300000);
+  worker.Send(2087);
+  const auto scan = worker.WaitForCopyData(104, 300000);
   for (const auto& [path, size] : planted) EXPECT_TRUE(PathExists(path)) << path;  // a scan erases nothing
   for (const auto& [path, size] : planted) ::DeleteFileW(path.c_str());
   for (const wchar_t* found : {L"C:\\FOUND.000", L"C:\\FOUND.000x"}) RemoveTree(found);

@@ -9,7 +9,7 @@ namespace {
 
 int g_shellListClears = 0;
 void CountShellListClear() { ++g_shellListClears; }
-int DocumentCount() { return g_totals.pcTraces[kPcDocuments].get(); }
+int DocumentCount() { return g_totals.pc(protocol::PcStep::kDocuments).get(); }
 
 // Names holding ".lnk" anywhere are shredded; folders and folder links named
 // so are counted but left whole; the shell list is cleared even when empty.
@@ -25,14 +25,14 @@ TEST(RecentDocumentsTest, ShortcutNamesAreShreddedOthersKept) {
   for (const wchar_t* name : {L"\\readme.txt", L"\\link.txt", L"\\album.lnk\\photo.lnk"}) PlantFile(recent + name, "keep");
   ASSERT_TRUE(MakeUnixSymlink(canary.root(), recent + L"\\elsewhere.lnk"));
 
-  ScanRecentDocumentsIn(recent);
+  VisitRecentDocuments(kMeasure, recent, CountShellListClear);
   EXPECT_EQ(DocumentCount(), 4);
   EXPECT_EQ(g_totals.byteTotal.get(), 500.0f);
   EXPECT_TRUE(PathExists(recent + L"\\notes.lnk.old"));
   EXPECT_EQ(g_shellListClears, 0);
 
   ResetPcCounters();
-  CleanRecentDocumentsIn(recent, CountShellListClear);
+  VisitRecentDocuments(kErase, recent, CountShellListClear);
   EXPECT_EQ(DocumentCount(), 4);
   EXPECT_EQ(g_totals.byteTotal.get(), 500.0f);
   EXPECT_FALSE(PathExists(recent + L"\\report.docx.lnk"));
@@ -45,7 +45,7 @@ TEST(RecentDocumentsTest, ShortcutNamesAreShreddedOthersKept) {
   RemoveUnixLink(recent + L"\\elsewhere.lnk");
 
   ResetPcCounters();
-  CleanRecentDocumentsIn(empty, CountShellListClear);
+  VisitRecentDocuments(kErase, empty, CountShellListClear);
   EXPECT_EQ(DocumentCount(), 0);
   EXPECT_EQ(g_shellListClears, 2);
 }

@@ -16,7 +16,7 @@ TEST(RecycleBinTest, MeasureEmptiesNothingThenTheTaskCountsEveryDriveAndEmptiesA
   const float roots = static_cast<float>(DriveRootCount());
   g_totals.byteTotal.set(5.0f);  // the task adds to it; the measure keeps its own
 
-  MeasureRecycleBins();
+  RecycleBins(kMeasure);
   EXPECT_EQ(g_totals.recycleBinItems.get(), 3 * roots);
   EXPECT_EQ(g_totals.recycleBinBytes.get(), 3000.0f * roots);
   EXPECT_EQ(g_totals.byteTotal.get(), 5.0f);
@@ -24,7 +24,7 @@ TEST(RecycleBinTest, MeasureEmptiesNothingThenTheTaskCountsEveryDriveAndEmptiesA
 
   g_totals.recycleBinItems.set(0);
   g_totals.recycleBinBytes.set(0.0f);
-  EmptyRecycleBins();
+  RecycleBins(kErase);
   EXPECT_EQ(g_totals.recycleBinItems.get(), 3 * roots);
   EXPECT_EQ(g_totals.byteTotal.get(), 5.0f + 3000.0f * roots);
   EXPECT_EQ(g_totals.recycleBinBytes.get(), 0.0f);

@@ -7,7 +7,7 @@
 namespace scourel::test {
 namespace {
 
-int RunHistoryCount() { return g_totals.pcTraces[kPcRunHistory].get(); }
+int RunHistoryCount() { return g_totals.pc(protocol::PcStep::kRunHistory).get(); }
 
 TEST(RunHistoryTest, RunStreamAndTypedPathListsCountInScanAndCleanAndGo) {
   RegistryCanary canary;
@@ -16,11 +16,11 @@ TEST(RunHistoryTest, RunStreamAndTypedPathListsCountInScanAndCleanAndGo) {
   std::vector<std::pair<std::wstring, std::wstring>> alphabet;
   for (wchar_t c = L'a'; c <= L'z'; ++c) alphabet.push_back({std::wstring(1, c), L"notepad " + std::wstring(1, c)});
   PlantList(kRunMruKey, alphabet);
-  ScanRunHistory();
+  RunHistory(kMeasure);
   EXPECT_EQ(RunHistoryCount(), 26);
   EXPECT_TRUE(KeyPresent(kRunMruKey));
   ResetPcCounters();
-  CleanRunHistory();
+  RunHistory(kErase);
   EXPECT_EQ(RunHistoryCount(), 26);
   EXPECT_FALSE(KeyPresent(kRunMruKey));
 
@@ -29,14 +29,14 @@ TEST(RunHistoryTest, RunStreamAndTypedPathListsCountInScanAndCleanAndGo) {
   PlantList(kTypedPathsKey, {{L"url1", L"C:\\Users"}});
   SetText(kTypedPathsKey + L"\\nested", L"v", L"w");
   ResetPcCounters();
-  ScanRunHistory();
+  RunHistory(kMeasure);
   EXPECT_EQ(RunHistoryCount(), 6);  // values only; the subkey is not counted
-  CleanRunHistory();
+  RunHistory(kErase);
   EXPECT_EQ(RunHistoryCount(), 12);  // added to, not set
   for (const std::wstring& key : {kRunMruKey, kStreamMruKey, kTypedPathsKey}) EXPECT_FALSE(KeyPresent(key));
   ResetPcCounters();
-  ScanRunHistory();
-  CleanRunHistory();
+  RunHistory(kMeasure);
+  RunHistory(kErase);
   EXPECT_EQ(RunHistoryCount(), 0);
   EXPECT_EQ(canary.Damage(), L"");
 }
@@ -61,17 +61,17 @@ TEST(HistoryListTest, TheSharedLengthShrinksAfterAShortEntry) {
   }
   // The entry that no longer fits ends the loop; the key goes whole.
   Relaxed<std::int32_t> counter(7);
-  EXPECT_EQ(EraseHistoryKey(HKEY_CURRENT_USER, list, buffers, counter, CountMode::kAdd), 1);
+  EXPECT_EQ(EraseHistoryKey(kErase, HKEY_CURRENT_USER, list, buffers, counter, CountMode::kAdd), 1);
   EXPECT_EQ(counter.get(), 10);
   EXPECT_FALSE(KeyPresent(list));
 
   // Data past 1024 bytes is never read but still counted and erased.
   PlantList(list, {{L"long", std::wstring(1500, L'q')}, {L"a", L"b"}});
-  EXPECT_EQ(CountHistoryValues(HKEY_CURRENT_USER, list, buffers, false, counter), 2);
-  EXPECT_EQ(EraseHistoryKey(HKEY_CURRENT_USER, list, buffers, counter, CountMode::kSet), 0);
+  EXPECT_EQ(CountHistoryValues(kMeasure, HKEY_CURRENT_USER, list, buffers, false, counter), 2);
+  EXPECT_EQ(EraseHistoryKey(kErase, HKEY_CURRENT_USER, list, buffers, counter, CountMode::kSet), 0);
   EXPECT_EQ(counter.get(), 2);  // set, not added
   EXPECT_FALSE(KeyPresent(list));
-  EraseHistoryKey(HKEY_CURRENT_USER, list, buffers, counter, CountMode::kSet);
+  EraseHistoryKey(kErase, HKEY_CURRENT_USER, list, buffers, counter, CountMode::kSet);
   EXPECT_EQ(counter.get(), 0);
   EXPECT_EQ(HistoryEntryText(L"Software\\X\\RunMRU", L"a"), L"HKEY_CURRENT_USER\\Software\\X\\RunMRU\\a\\");
 }

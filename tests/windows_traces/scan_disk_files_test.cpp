@@ -7,7 +7,7 @@
 namespace scourel::test {
 namespace {
 
-int ScanDiskCount() { return g_totals.pcTraces[kPcScanDiskFiles].get(); }
+int ScanDiskCount() { return g_totals.pc(protocol::PcStep::kScanDiskFiles).get(); }
 
 // Only "*.CHK" files directly in "FOUND.nnn" folders go, and only folders they emptied.
 TEST(ScanDiskFilesTest, ScanCountsThenCleanShredsChkFilesDirectlyInFoundFolders) {
@@ -25,13 +25,13 @@ TEST(ScanDiskFilesTest, ScanCountsThenCleanShredsChkFilesDirectlyInFoundFolders)
   PlantFile(canary.root() + L"\\FILE0000.CHK", "canary");
   ASSERT_TRUE(MakeUnixSymlink(canary.root(), root / L"FOUND.004"));
 
-  VisitScanDiskFiles(root.path(), false);
+  VisitScanDiskFiles(kMeasure, root.path());
   EXPECT_EQ(ScanDiskCount(), 3);
   EXPECT_EQ(g_totals.byteTotal.get(), 1124.0f);
   EXPECT_TRUE(PathExists(root / L"FOUND.000\\FILE0000.CHK"));
 
   ResetPcCounters();
-  VisitScanDiskFiles(root.path(), true);
+  VisitScanDiskFiles(kErase, root.path());
   EXPECT_EQ(ScanDiskCount(), 3);
   EXPECT_EQ(g_totals.byteTotal.get(), 1124.0f);
   EXPECT_FALSE(PathExists(root / L"FOUND.000"));

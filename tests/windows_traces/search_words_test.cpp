@@ -21,16 +21,16 @@ TEST(SearchWordsTest, ThreeWordsAndTheirOrderListScanAsFourAndASecondCleanSetsZe
   }
   const std::uint32_t order[] = {2, 1, 0, 0xFFFFFFFFu};
   SetValue(kWordWheelKey, L"MRUListEx", REG_BINARY, order, sizeof order);
-  auto& count = g_totals.pcTraces[kPcFindFiles];
+  auto& count = g_totals.pc(protocol::PcStep::kFindFiles);
 
-  ScanSearchWords();
+  SearchWords(kMeasure);
   EXPECT_EQ(count.get(), 4);
   EXPECT_TRUE(KeyPresent(kWordWheelKey));
   count.set(10);
-  CleanSearchWords();
+  SearchWords(kErase);
   EXPECT_EQ(count.get(), 4);
   EXPECT_FALSE(KeyPresent(kWordWheelKey));
-  CleanSearchWords();
+  SearchWords(kErase);
   EXPECT_EQ(count.get(), 0);
   EXPECT_EQ(canary.Damage(), L"");
 }

@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "common/unique_handle.h"
-#include "host/task_totals.h"
+#include "task/task_totals.h"
 #include "support/fixtures.h"
 #include "windows_traces/dead_shortcuts.h"
-#include "windows_traces/shell_folder.h"
+#include "common/known_folders.h"
+#include "support/task_fixture.h"
 
 namespace scourel::test {
 
@@ -49,7 +50,7 @@ inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& tar
 inline void CleanAwayExistingDeadShortcuts() {
   for (int i = 0; i < 3; ++i) {
     g_totals.junkSecond.set(0);
-    CleanDeadShortcuts();
+    DeadShortcuts(kErase);
     if (g_totals.junkSecond.get() == 0) break;
   }
   g_totals.junkSecond.set(0);

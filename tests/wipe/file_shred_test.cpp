@@ -7,8 +7,8 @@
 #include <tuple>
 #include <vector>
 
-#include "host/protocol.h"
-#include "host/worker_state.h"
+#include "protocol/messages.h"
+#include "common/status.h"
 #include "support/fixtures.h"
 #include "wipe/obscure_name.h"
 #include "wipe/wipe_progress.h"
@@ -24,7 +24,10 @@ constexpr std::uint32_t kCluster = 4096;
 // "R" rename, "D" delete), the written bytes, and a chosen geometry.
 struct RecordingIo : ShredIo {
   DWORD sectorsPerCluster = 8, bytesPerSector = 512;
-  int failWrite = 0;  // 1-based write to fail
+  int failWrite = 0;       // 1-based write to fail
+  int stopAfterWrite = 0;  // 1-based write after which the task is stopped
+  bool failIdentity = false;
+  StopFlag stop;
   std::string trace;
   std::vector<Bytes> writes;
   DWORD attributesAtOpen = 0;
@@ -33,30 +36,49 @@ struct RecordingIo : ShredIo {
   std::uint64_t position = 0;
 
   void Log(const std::string& s) { trace += (trace.empty() ? "" : " ") + s; }
-  bool SetAttributes(const std::wstring& path, DWORD a) override { Log("A"); return ShredIo::SetAttributes(path, a); }
-  UniqueHandleKernel OpenFile(const std::wstring& path, DWORD access, DWORD share, DWORD flags) override {
+  std::error_code SetAttributes(const std::wstring& path, DWORD a) override {
+    Log("A");
+    return ShredIo::SetAttributes(path, a);
+  }
+  std::error_code OpenFile(const std::wstring& path, DWORD access, DWORD share, DWORD flags,
+                           UniqueHandleKernel& file) override {
     Log("O");
     attributesAtOpen = ::GetFileAttributesW(path.c_str());
-    return ShredIo::OpenFile(path, access, share, flags);
+    return ShredIo::OpenFile(path, access, share, flags, file);
   }
-  bool DiskFreeSpace(const std::wstring&, DWORD* spc, DWORD* bps) override {
+  std::error_code DiskFreeSpace(const std::wstring&, DWORD* spc, DWORD* bps) override {
     *spc = sectorsPerCluster, *bps = bytesPerSector;
-    return true;
+    return {};
   }
-  bool Seek(HANDLE file, std::uint64_t at) override {
+  std::error_code Seek(HANDLE file, std::uint64_t at) override {
     Log("S" + std::to_string(position = at));
     return ShredIo::Seek(file, at);
   }
-  bool Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) override {
+  std::error_code Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) override {
     Log("W" + std::to_string(position));
     position += length;
     writes.emplace_back(bytes, bytes + length);
-    return static_cast<int>(writes.size()) != failWrite && ShredIo::Write(file, bytes, length);
+    if (static_cast<int>(writes.size()) == failWrite) return Win32Error(ERROR_WRITE_FAULT);
+    if (stopAfterWrite && static_cast<int>(writes.size()) == stopAfterWrite) stop.Raise();
+    return ShredIo::Write(file, bytes, length);
   }
-  bool Flush(HANDLE file) override { Log("F"); return ShredIo::Flush(file); }
-  void Close(UniqueHandleKernel& file) override { Log("C"); ShredIo::Close(file); }
-  int Rename(const std::wstring& from, const std::wstring& to) override { Log("R"); return ShredIo::Rename(from, to); }
-  bool Delete(const std::wstring& path) override {
+  std::error_code Flush(HANDLE file) override {
+    Log("F");
+    return ShredIo::Flush(file);
+  }
+  std::error_code Identity(HANDLE file, DWORD* attributes, DWORD* links) override {
+    if (failIdentity) return Win32Error(ERROR_ACCESS_DENIED);
+    return ShredIo::Identity(file, attributes, links);
+  }
+  void Close(UniqueHandleKernel& file) override {
+    Log("C");
+    ShredIo::Close(file);
+  }
+  std::error_code Rename(const std::wstring& from, const std::wstring& to) override {
+    Log("R");
+    return ShredIo::Rename(from, to);
+  }
+  std::error_code Delete(const std::wstring& path) override {
     Log("D");
     deleted = path;
     WIN32_FILE_ATTRIBUTE_DATA data{};
@@ -95,7 +117,7 @@ TEST_P(ShredMethod, WritesEveryPassThenRenamesAndDeletes) {
   test::CanaryTree canary(dir / L"canary");
   test::WriteFileBytes(dir / L"a.txt", "Z");
   RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(dir / L"a.txt", method), 1);
+  EXPECT_EQ(CFileShred(io).Shred(dir / L"a.txt", method), ShredOutcome::kOverwrittenAndDeleted);
 
   const auto expected = WrittenOrder(method);
   std::string trace = "A O S0";  // every pass at offset 0, seeking back between them
@@ -122,16 +144,24 @@ INSTANTIATE_TEST_SUITE_P(AllMethods, ShredMethod, ::testing::Values(0u, 1u, 2u, 
 constexpr DWORD kRO = FILE_ATTRIBUTE_READONLY, kHidden = FILE_ATTRIBUTE_HIDDEN, kSystem = FILE_ATTRIBUTE_SYSTEM;
 const char kOneWrite[] = "A O S0 W0 S4096 F C R D";
 
-// Size, attributes, method, geometry and a failing write -> the exact trace.
-// A trace of "A O" alone: left in place, returns 0.
+// Size, attributes, method, geometry, a failing write or identity, a stop
+// after a write -> the exact trace and outcome.
 struct TraceCase { std::size_t size; DWORD attributes; std::uint32_t method; DWORD spc, bps; int failWrite;
-                   const char* trace; std::int64_t sizeAtDelete; };
+                   const char* trace; std::int64_t sizeAtDelete;
+                   ShredOutcome outcome = ShredOutcome::kOverwrittenAndDeleted;
+                   int stopAfterWrite = 0; bool failIdentity = false; };
+constexpr auto kKept = ShredOutcome::kLeftInPlace;
 const TraceCase kTraces[] = {
     // Two clusters: seek back between passes, on between clusters.
     {kCluster + 1, 0, 2, 8, 512, 0,
      "A O S0 W0 S0 W0 S0 W0 S4096 W4096 S4096 W4096 S4096 W4096 S8192 F C R D", 2 * kCluster},
     {0, 0, 8, 8, 512, 0, "A O S0 F C R D", 0},  // empty: nothing written, still deleted
-    {3 * kCluster, 0, 2, 8, 512, 5, "A O S0 W0 S0 W0 S0 W0 S4096 W4096 S4096 W4096 F C R D", 3 * kCluster},
+    {3 * kCluster, 0, 2, 8, 512, 5, "A O S0 W0 S0 W0 S0 W0 S4096 W4096 S4096 W4096 F C R D", 3 * kCluster,
+     ShredOutcome::kDeletedWithoutOverwrite},
+    // A stop between clusters: the file is closed under its own name, half overwritten.
+    {3 * kCluster, 0, 2, 8, 512, 0, "A O S0 W0 S0 W0 S0 W0 S4096 C", 0, ShredOutcome::kStopped, 3},
+    // A link count that cannot be read: nothing proves the data is this name's alone.
+    {7, 0, 0, 8, 512, 0, "A O", 0, kKept, 0, true},
     {7, kRO, 0, 8, 512, 0, kOneWrite, kCluster},
     {7, kHidden, 0, 8, 512, 0, kOneWrite, kCluster},
     {7, kSystem, 0, 8, 512, 0, kOneWrite, kCluster},
@@ -141,10 +171,10 @@ const TraceCase kTraces[] = {
     {7, 0, 0, 8, 0x10200, 0, kOneWrite, kCluster},
     {3, 0, 0, 1, 1, 0, "A O S0 W0 S1 W1 S2 W2 S3 F C R D", 3},
     {7, 0, 0, 1, 3, 0, "A O S0 W0 S3 W3 S6 W6 S9 F C R D", 9},
-    {7, kRO, 0, 0x100, 512, 0, "A O", 0},
-    {7, kRO | kHidden, 0, 0, 512, 0, "A O", 0},
-    {7, kRO, 0, 8, 0x10000, 0, "A O", 0},
-    {7, kSystem, 0, 8, 0, 0, "A O", 0},
+    {7, kRO, 0, 0x100, 512, 0, "A O", 0, kKept},
+    {7, kRO | kHidden, 0, 0, 512, 0, "A O", 0, kKept},
+    {7, kRO, 0, 8, 0x10000, 0, "A O", 0, kKept},
+    {7, kSystem, 0, 8, 0, 0, "A O", 0, kKept},
 };
 
 TEST(Shred, TraceTable) {
@@ -156,11 +186,14 @@ TEST(Shred, TraceTable) {
     ASSERT_TRUE(::SetFileAttributesW(path.c_str(), c.attributes | FILE_ATTRIBUTE_ARCHIVE));
     RecordingIo io;
     std::tie(io.sectorsPerCluster, io.bytesPerSector, io.failWrite) = std::tie(c.spc, c.bps, c.failWrite);
-    const bool kept = std::string(c.trace) == "A O";
-    EXPECT_EQ(CFileShred(io).Shred(path, c.method), kept ? 0 : 1);
+    std::tie(io.stopAfterWrite, io.failIdentity) = std::tie(c.stopAfterWrite, c.failIdentity);
+    EXPECT_EQ(CFileShred(io, &io.stop).Shred(path, c.method), c.outcome);
     EXPECT_EQ(io.trace, c.trace);
     EXPECT_EQ(io.attributesAtOpen, DWORD{FILE_ATTRIBUTE_ARCHIVE});  // cleared before the open
-    if (kept) {
+    if (c.outcome == ShredOutcome::kStopped) {
+      const std::string left = test::ReadFileBytes(path);
+      EXPECT_EQ(left.substr(kCluster), std::string(2 * kCluster, 'q'));  // the rest untouched
+    } else if (!ShredResult(c.outcome)) {
       EXPECT_EQ(test::ReadFileBytes(path), std::string(c.size, 'q'));
       EXPECT_EQ(::GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_ARCHIVE});
     } else {
@@ -189,19 +222,16 @@ TEST(Shred, ProgressMessagesOnlyInWipeProgressMode) {
   HWND window = ::CreateWindowW(windowClass.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                                 windowClass.hInstance, nullptr);
   ASSERT_NE(window, nullptr);
-  const HWND saved = g_commandWindow;
-  g_commandWindow = window;
   test::ScratchDir dir(L"shred_progress");
   g_progressMessages.clear();
   for (bool mode : {false, true}) {
     g_wipeProgressMode.set(mode);
     test::WriteFileBytes(dir / L"a.bin", std::string(3 * kCluster, 'a'));
-    CFileShred{}.Shred(dir / L"a.bin", 0);
+    CFileShred(SystemShredIo(), nullptr, window).Shred(dir / L"a.bin", 0);
     EXPECT_EQ(g_wipeProgress.get(), 100);
     EXPECT_EQ(g_progressMessages, (mode ? std::vector<WPARAM>{33, 66, 100} : std::vector<WPARAM>{}));
   }
   g_wipeProgressMode.set(false);
-  g_commandWindow = saved;
   ::DestroyWindow(window);
 }
 
@@ -212,7 +242,7 @@ TEST(Shred, MissingFileFolderAndDirectoryLinkAreLeftAlone) {
   ASSERT_TRUE(test::MakeUnixSymlink(dir / L"sub", dir / L"link"));
   ASSERT_NE(::GetFileAttributesW((dir / L"link").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
   RecordingIo io;
-  for (const wchar_t* name : {L"none.txt", L"sub", L"link"}) EXPECT_EQ(CFileShred(io).Shred(dir / name, 0), 0);
+  for (const wchar_t* name : {L"none.txt", L"sub", L"link"}) EXPECT_EQ(CFileShred(io).Shred(dir / name, 0), kKept);
   EXPECT_EQ(io.trace, "");
   EXPECT_TRUE(test::PathExists(dir / L"link"));
   EXPECT_EQ(canary.Damage(), L"");
@@ -229,7 +259,7 @@ TEST(ShredDisk, NeitherNameRemainsAndTheNeighboursSurvive) {
     test::CanaryTree canary(dir / L"canary");
     test::WriteFileBytes(dir / L"beside.txt", "keep me");
     test::WriteFileBytes(dir / c.name, std::string(c.size, 's'));
-    EXPECT_EQ(CFileShred{}.Shred(dir / c.name, c.method), 1);
+    EXPECT_TRUE(ShredResult(CFileShred{}.Shred(dir / c.name, c.method)));
     EXPECT_FALSE(test::PathExists(dir / c.name));
     EXPECT_FALSE(test::PathExists(ObscuredPath(dir / c.name)));
     EXPECT_EQ(test::ReadFileBytes(dir / L"beside.txt"), "keep me");
@@ -245,7 +275,7 @@ TEST(ShredDisk, FileHeldOpenWithoutSharingStaysWithAttributesReduced) {
   UniqueHandleKernel holder(
       ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
   ASSERT_TRUE(holder);
-  EXPECT_EQ(CFileShred{}.Shred(path, 0), 0);
+  EXPECT_EQ(CFileShred{}.Shred(path, 0), kKept);
   holder.reset();
   EXPECT_EQ(test::ReadFileBytes(path), "in use");
   EXPECT_EQ(::GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_ARCHIVE});
@@ -256,7 +286,7 @@ TEST(ShredDisk, FailedRenameKeepsTheFileOfTheNewName) {
   test::ScratchDir dir(L"shred_collision");
   test::WriteFileBytes(dir / L"abc.txt", "target");
   test::WriteFileBytes(dir / L"xxx.xxx", "someone else's");
-  EXPECT_EQ(CFileShred{}.Shred(dir / L"abc.txt", 0), 1);
+  EXPECT_EQ(CFileShred{}.Shred(dir / L"abc.txt", 0), ShredOutcome::kOverwrittenAndDeleted);
   EXPECT_EQ(test::ReadFileBytes(dir / L"xxx.xxx"), "someone else's");
   EXPECT_EQ(test::ReadFileBytes(dir / L"abc.txt").substr(0, 6), std::string(6, '\0'));  // overwritten, kept
 }
@@ -266,7 +296,7 @@ TEST(ShredDisk, HardLinkedFileIsDeletedButNotOverwritten) {
   test::WriteFileBytes(dir / L"one.txt", "shared data");
   ASSERT_TRUE(test::MakeUnixHardLink(dir / L"one.txt", dir / L"two.txt"));
   RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(dir / L"one.txt", 8), 1);
+  EXPECT_EQ(CFileShred(io).Shred(dir / L"one.txt", 8), ShredOutcome::kDeletedWithoutOverwrite);
   EXPECT_EQ(io.trace, "A O C R D");  // no seek, no write
   EXPECT_FALSE(test::PathExists(dir / L"one.txt"));
   EXPECT_FALSE(test::PathExists(dir / L"xxx.xxx"));
@@ -284,7 +314,7 @@ TEST(ShredDisk, FileSymlinkDeletesTheLinkOnly) {
     GTEST_SKIP() << "this Wine shows a file symlink as a plain file";
   }
   RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(dir / L"alias.txt", 0), 1);
+  EXPECT_EQ(CFileShred(io).Shred(dir / L"alias.txt", 0), ShredOutcome::kDeletedWithoutOverwrite);
   EXPECT_TRUE(io.writes.empty());
   EXPECT_FALSE(test::PathExists(dir / L"alias.txt"));
   EXPECT_EQ(test::ReadFileBytes(dir / L"real.txt"), "the target");

@@ -31,7 +31,7 @@ TEST(WipePasses, PatternsStartAtTheFirstByteWithTheLoopBounds) {
                {8, true, {0x92, 0x49, 0x24, 0x92, 0x49, 0x24, 0x92, 0x49}}};
   for (const auto& c : cases) {
     CEraserJunkData data;
-    g_passLength.set(c.length);
+    data.SetPassLength(c.length);
     c.triple ? data.AddTriplePass(0x92, 0x49, 0x24) : data.AddPairPass(0x00, 0xFF);
     EXPECT_EQ(std::vector<std::uint8_t>(data.head()->bytes.get(), data.head()->bytes.get() + c.length), c.expected)
         << c.length;

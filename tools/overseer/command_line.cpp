@@ -40,30 +40,24 @@ std::string Joined(std::span<const std::string_view> names) {
   return out;
 }
 
-struct TargetName {
-  std::string_view name;
-  Target target;
-};
+namespace p = scourel::protocol;
 
-constexpr TargetName kCleanTargets[] = {{"junk", Target::kJunk},       {"shortcuts", Target::kShortcuts},
-                                        {"recycle", Target::kRecycle}, {"browser", Target::kBrowser},
-                                        {"pc", Target::kPc},           {"plugins", Target::kPlugins}};
-constexpr TargetName kFixTargets[] = {{"registry", Target::kRegistry}, {"extensions", Target::kExtensions}};
-constexpr TargetName kStopTargets[] = {{"junk", Target::kJunk},
-                                       {"shortcuts", Target::kShortcuts},
-                                       {"recycle", Target::kRecycle},
-                                       {"browser", Target::kBrowser},
-                                       {"pc", Target::kPc},
-                                       {"plugins", Target::kPlugins},
-                                       {"registry", Target::kRegistry},
-                                       {"scan", Target::kScan}};
-
-std::string TargetList(std::span<const TargetName> targets) {
-  std::string out;
-  for (size_t i = 0; i < targets.size(); ++i) {
-    if (i) out += ", ";
-    out += targets[i].name;
+// The tasks a verb can name, in the table's order: clean and fix take the
+// tasks that command starts, stop every task that has a stop command.
+std::vector<const p::TaskSpec*> TargetsOf(Verb verb) {
+  std::vector<const p::TaskSpec*> targets;
+  for (const p::TaskSpec& spec : p::kTasks) {
+    const bool wanted = verb == Verb::kStop    ? spec.sets[p::kFirstSet].stop != 0
+                        : verb == Verb::kClean ? spec.command == "clean"
+                                               : spec.command == "fix";
+    if (wanted) targets.push_back(&spec);
   }
+  return targets;
+}
+
+std::string TargetList(Verb verb) {
+  std::string out;
+  for (const p::TaskSpec* spec : TargetsOf(verb)) out += (out.empty() ? "" : ", ") + std::string(spec->name);
   return out;
 }
 
@@ -102,7 +96,7 @@ std::optional<std::vector<bool>> ParseSwitchList(std::string_view value, std::sp
   return on;
 }
 
-std::string CommandName(Verb verb, Target target) {
+std::string CommandName(Verb verb, const p::TaskSpec* task) {
   std::string verbName;
   switch (verb) {
     case Verb::kScan:
@@ -121,13 +115,7 @@ std::string CommandName(Verb verb, Target target) {
       verbName = "stop";
       break;
   }
-  for (std::span<const TargetName> table :
-       {std::span<const TargetName>(kStopTargets), std::span<const TargetName>(kFixTargets)}) {
-    for (const TargetName& entry : table) {
-      if (entry.target == target) return verbName + " " + std::string(entry.name);
-    }
-  }
-  return verbName;
+  return task ? verbName + " " + std::string(task->name) : verbName;
 }
 
 ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
@@ -208,16 +196,16 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
 
   if (words.empty()) return refuse("no command given: valid commands are scan, clean, fix, stop, close, settings");
   const std::string& verb = words[0];
-  auto needTarget = [&](Verb v, std::span<const TargetName> targets) -> std::optional<std::string> {
+  auto needTarget = [&](Verb v) -> std::optional<std::string> {
     options.verb = v;
-    if (words.size() < 2) return verb + " needs a target: valid targets are " + TargetList(targets);
-    for (const TargetName& entry : targets) {
-      if (entry.name == words[1]) {
-        options.target = entry.target;
+    if (words.size() < 2) return verb + " needs a target: valid targets are " + TargetList(v);
+    for (const p::TaskSpec* spec : TargetsOf(v)) {
+      if (spec->name == words[1]) {
+        options.task = spec;
         return std::nullopt;
       }
     }
-    return "invalid target \"" + words[1] + "\" for " + verb + ": valid targets are " + TargetList(targets);
+    return "invalid target \"" + words[1] + "\" for " + verb + ": valid targets are " + TargetList(v);
   };
   size_t used = 1;
   std::optional<std::string> targetError;
@@ -228,22 +216,22 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   } else if (verb == "settings") {
     options.verb = Verb::kSettings;
   } else if (verb == "clean") {
-    targetError = needTarget(Verb::kClean, kCleanTargets);
+    targetError = needTarget(Verb::kClean);
     used = 2;
   } else if (verb == "fix") {
-    targetError = needTarget(Verb::kFix, kFixTargets);
+    targetError = needTarget(Verb::kFix);
     used = 2;
   } else if (verb == "stop") {
-    targetError = needTarget(Verb::kStop, kStopTargets);
+    targetError = needTarget(Verb::kStop);
     used = 2;
   } else {
     return refuse("unknown command \"" + verb + "\": valid commands are scan, clean, fix, stop, close, settings");
   }
   if (targetError) return refuse(*targetError);
   if (words.size() > used)
-    return refuse("unexpected argument \"" + words[used] + "\" after " + CommandName(options.verb, options.target));
+    return refuse("unexpected argument \"" + words[used] + "\" after " + CommandName(options.verb, options.task));
   if (options.secondSet &&
-      (options.verb == Verb::kScan || (options.verb == Verb::kStop && options.target == Target::kScan))) {
+      (options.verb == Verb::kScan || (options.verb == Verb::kStop && options.task->task == p::Task::kFullScan))) {
     return refuse("--second-set does not apply to the full scan, which has one command only");
   }
   result.options = std::move(options);
@@ -258,13 +246,13 @@ std::string UsageText() {
          "Commands:\n"
          "  scan                       full scan; waits for all nine results\n"
          "  clean TARGET               TARGET: " +
-         TargetList(kCleanTargets) +
+         TargetList(Verb::kClean) +
          "\n"
          "  fix TARGET                 TARGET: " +
-         TargetList(kFixTargets) +
+         TargetList(Verb::kFix) +
          "\n"
          "  stop TARGET                stops a task of the running worker; TARGET: " +
-         TargetList(kStopTargets) +
+         TargetList(Verb::kStop) +
          "\n"
          "  close                      ends the running worker\n"
          "  settings                   writes the settings options only; sends nothing\n"

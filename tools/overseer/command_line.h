@@ -9,27 +9,18 @@
 #include <string_view>
 #include <vector>
 
-#include "host/protocol.h"
+#include "protocol/categories.h"
+#include "protocol/tasks.h"
 
 namespace overseer {
 
 enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings };
 
-// What a clean, fix or stop acts on.
-enum class Target { kNone, kJunk, kShortcuts, kRecycle, kBrowser, kPc, kPlugins, kRegistry, kExtensions, kScan };
-
-inline constexpr unsigned kPcSwitchCount = 6;
-
 // Option names of the switches, in the order of the worker's settings keys.
 // The browser and registry names double as the reply field names.
-inline constexpr std::array<std::string_view, scourel::protocol::kBrowserCategoryCount> kBrowserNames = {
-    "cache",       "cookies",       "history", "autocomplete", "session", "download_history",
-    "address_bar", "program_files", "index",   "icons"};
-inline constexpr std::array<std::string_view, kPcSwitchCount> kPcNames = {
-    "documents", "run_history", "find_files", "network", "scan_disk_files", "registry_traces"};
-inline constexpr std::array<std::string_view, scourel::protocol::kRegistryCategoryCount> kRegistryNames = {
-    "current_user", "com",   "fonts", "association", "types",    "paths",
-    "dll",          "empty", "sound", "help",        "software", "deep_scan"};
+inline constexpr const auto& kBrowserNames = scourel::protocol::kBrowserCategoryNames;
+inline constexpr const auto& kPcNames = scourel::protocol::kPcSwitchNames;
+inline constexpr const auto& kRegistryNames = scourel::protocol::kRegistrySwitchNames;
 // Wipe methods by index 0..8.
 inline constexpr std::array<std::string_view, 9> kWipeNames = {"zero",  "random",   "dod3",    "pairs3",     "dod7",
                                                                "vsitr", "pattern7", "gutmann", "gutmann-dod"};
@@ -38,7 +29,7 @@ inline constexpr unsigned kDefaultTimeoutSeconds = 300;
 
 struct Options {
   Verb verb = Verb::kScan;
-  Target target = Target::kNone;
+  const scourel::protocol::TaskSpec* task = nullptr;  // what a clean, fix or stop acts on
   bool secondSet = false;
   bool json = false;
   bool keepWorker = false;  // leave a worker we started running
@@ -66,6 +57,6 @@ std::optional<unsigned> ParseWipeMethod(std::string_view value);
 // "cache,cookies", "all", "none" over the given names; nullopt if any is unknown.
 std::optional<std::vector<bool>> ParseSwitchList(std::string_view value, std::span<const std::string_view> names);
 
-std::string CommandName(Verb verb, Target target);
+std::string CommandName(Verb verb, const scourel::protocol::TaskSpec* task);
 
 }  // namespace overseer

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "host/protocol.h"
+#include "common/status.h"
+#include "overseer/report_output.h"
+#include "protocol/messages.h"
 
 namespace overseer {
 
@@ -11,9 +13,11 @@ namespace {
 
 namespace p = scourel::protocol;
 
-ControllerSession* g_session = nullptr;  // the one session of this process
-
 ULONGLONG Now() { return ::GetTickCount64(); }
+
+// The system's own words for an error, not its number.
+std::string ErrorText(DWORD code) { return Utf8(scourel::SystemMessage(code)); }
+std::string ErrorText(const std::error_code& error) { return ErrorText(static_cast<DWORD>(error.value())); }
 
 std::string SecondsText(unsigned ms) { return std::to_string((ms + 999) / 1000) + " s"; }
 
@@ -34,26 +38,22 @@ HWND FindWorkerWindow(DWORD pid) {
 
 }  // namespace
 
-ControllerSession::ControllerSession(ReplyHandler onReply) : onReply_(std::move(onReply)) { g_session = this; }
+ControllerSession::ControllerSession(ReplyHandler onReply) : onReply_(std::move(onReply)) {}
 
-ControllerSession::~ControllerSession() {
-  if (window_) ::DestroyWindow(window_);
-  g_session = nullptr;
-}
+ControllerSession::~ControllerSession() = default;
 
 bool ControllerSession::Open(std::string* error) {
-  WNDCLASSW windowClass{};
-  windowClass.lpfnWndProc = WindowProc;
-  windowClass.hInstance = ::GetModuleHandleW(nullptr);
-  windowClass.lpszClassName = p::kControllerClass;
-  if (!::RegisterClassW(&windowClass)) {
-    *error = "cannot register the controller window class (error " + std::to_string(::GetLastError()) + ")";
+  scourel::WindowSpec spec;
+  spec.className = p::kControllerClass;
+  spec.title = L"overseer";
+  if (const std::error_code failed = window_.Register(spec)) {
+    *error = "cannot register the controller window class: " + ErrorText(failed);
     return false;
   }
-  window_ = ::CreateWindowW(p::kControllerClass, L"overseer", WS_OVERLAPPEDWINDOW, 0, 0, 10, 10, nullptr, nullptr,
-                            windowClass.hInstance, nullptr);
-  if (!window_) {
-    *error = "cannot create the controller window (error " + std::to_string(::GetLastError()) + ")";
+  if (const std::error_code failed = window_.Create([this](HWND, UINT message, WPARAM wParam, LPARAM lParam) {
+        return Handle(message, wParam, lParam);
+      })) {
+    *error = "cannot create the controller window: " + ErrorText(failed);
     return false;
   }
   return true;
@@ -91,7 +91,7 @@ bool ControllerSession::Start(const std::wstring& exePath, const std::wstring& m
   const std::wstring folder = exePath.substr(0, exePath.rfind(L'\\') + 1);
   if (!::CreateProcessW(exePath.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
                         folder.empty() ? nullptr : folder.c_str(), &startup, &info)) {
-    *error = "cannot start the worker (error " + std::to_string(::GetLastError()) + ")";
+    *error = "cannot start the worker: " + ErrorText(::GetLastError());
     return false;
   }
   process_.reset(info.hProcess);
@@ -137,8 +137,8 @@ bool ControllerSession::Arrived(const ReplyKey& key) const {
   return std::find(received_.begin(), received_.end(), key) != received_.end();
 }
 
-LRESULT CALLBACK ControllerSession::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (g_session && IsWorkerReply(message)) {
+std::optional<LRESULT> ControllerSession::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (IsWorkerReply(message)) {
     if (message == WM_COPYDATA) {
       // The record is valid only while this message is handled: copy the
       // text now, up to its first zero within cbData.
@@ -147,13 +147,13 @@ LRESULT CALLBACK ControllerSession::WindowProc(HWND window, UINT message, WPARAM
       size_t length = 0;
       const size_t limit = text ? record->cbData / sizeof(wchar_t) : 0;
       while (length < limit && text[length]) ++length;
-      g_session->Receive(DecodeCopyData(static_cast<unsigned>(record->dwData), std::wstring_view(text, length)));
+      Receive(DecodeCopyData(static_cast<unsigned>(record->dwData), std::wstring_view(text, length)));
       return TRUE;
     }
-    g_session->Receive(DecodeMessage(message, static_cast<std::uintptr_t>(wParam), static_cast<std::intptr_t>(lParam)));
+    Receive(DecodeMessage(message, static_cast<std::uintptr_t>(wParam), static_cast<std::intptr_t>(lParam)));
     return 0;
   }
-  return ::DefWindowProcW(window, message, wParam, lParam);
+  return std::nullopt;
 }
 
 void ControllerSession::Receive(DecodedReply reply) {
@@ -206,7 +206,7 @@ RunOutcome ControllerSession::Run(const CommandPlan& plan, unsigned timeoutMs) {
   if (plan.end == EndOn::kProcessExit) {
     // The worker ends inside its window procedure, so the command is posted.
     if (!::PostMessageW(worker_, plan.message, 0, 0)) {
-      return {"failed", "cannot reach the worker's window (error " + std::to_string(::GetLastError()) + ")", 1};
+      return {"failed", "cannot reach the worker's window: " + ErrorText(::GetLastError()), 1};
     }
     return WaitForExit(timeoutMs);
   }
@@ -221,7 +221,7 @@ RunOutcome ControllerSession::Run(const CommandPlan& plan, unsigned timeoutMs) {
               "the worker did not accept message " + std::to_string(plan.message) + " within " + SecondsText(timeoutMs),
               1};
     }
-    return {"failed", "cannot send to the worker's window (error " + std::to_string(code) + ")", 1};
+    return {"failed", "cannot send to the worker's window: " + ErrorText(code), 1};
   }
 
   if (plan.end == EndOn::kSendReturns) {

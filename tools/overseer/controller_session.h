@@ -3,9 +3,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "common/hidden_window.h"
 #include "common/unique_handle.h"
 #include "overseer/command_plan.h"
 #include "overseer/reply_decoding.h"
@@ -47,7 +49,7 @@ class ControllerSession {
   RunOutcome Run(const CommandPlan& plan, unsigned timeoutMs);
 
  private:
-  static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  std::optional<LRESULT> Handle(UINT message, WPARAM wParam, LPARAM lParam);
   void Receive(DecodedReply reply);
   // Dispatches what is queued; true if a reply arrived.
   bool Pump();
@@ -56,7 +58,7 @@ class ControllerSession {
   RunOutcome WaitForExit(unsigned timeoutMs);
 
   ReplyHandler onReply_;
-  HWND window_ = nullptr;
+  scourel::HiddenWindow window_;
   HWND worker_ = nullptr;
   scourel::UniqueHandleKernel process_;
   bool started_ = false;

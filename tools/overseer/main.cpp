@@ -66,7 +66,7 @@ int wmain(int argc, wchar_t** argv) {
   const auto plan = PlanFor(options);
 
   RunReport report;
-  report.command = CommandName(options.verb, options.target);
+  report.command = CommandName(options.verb, options.task);
   // Ends the run: the JSON document or the status line, and the exit code.
   auto finish = [&](ControllerSession* session, const RunOutcome& outcome) {
     if (session && !options.keepWorker) session->CloseStartedWorker();

@@ -3,8 +3,10 @@
 #include <cstdio>
 #include <cwchar>
 
-#include "host/protocol.h"
 #include "overseer/command_line.h"
+#include "protocol/categories.h"
+#include "protocol/messages.h"
+#include "protocol/tasks.h"
 
 namespace overseer {
 
@@ -108,21 +110,25 @@ std::vector<Slot> BrowserLayout() {
 
 // The seven PC-traces counters of the completion and stop replies.
 const std::vector<Slot>& PcCounterLayout() {
-  static const std::vector<Slot> layout = {{"documents", Piece::kCount},      {"run_history", Piece::kCount},
-                                           {"find_files", Piece::kCount},     {"clipboard", Piece::kCount},
-                                           {"network", Piece::kCount},        {"scan_disk_files", Piece::kCount},
-                                           {"registry_traces", Piece::kCount}};
+  static const std::vector<Slot> layout = [] {
+    std::vector<Slot> slots;
+    for (const p::PcStepSpec& step : p::kPcSteps) slots.push_back({std::string(step.name), Piece::kCount});
+    return slots;
+  }();
   return layout;
 }
 
 std::string StepName(unsigned id, std::uintptr_t step) {
   // Progress steps count from 1 in the order the task runs its steps.
-  static constexpr std::string_view kPcSteps[] = {"documents", "run_history", "find_files",
-                                                  "clipboard", "network",     "scan_disk_files"};
   if (step < 1) return "";
-  if (id == p::kPcTracesProgress && step <= std::size(kPcSteps)) return std::string(kPcSteps[step - 1]);
+  if (id == p::kPcTracesProgress && step <= std::size(p::kPcSteps)) return std::string(p::kPcSteps[step - 1].name);
   if (id == p::kBrowserProgress && step <= kBrowserNames.size()) return std::string(kBrowserNames[step - 1]);
   return "";
+}
+
+// "junk files cleaned", "browser traces stopped", ...
+std::string TaskReplyTitle(const p::ReplyMatch& match) {
+  return std::string(match.spec->title) + " " + std::string(match.stop ? "stopped" : match.spec->doneVerb);
 }
 
 Field CountField(std::string name, long long value) { return {std::move(name), std::to_wstring(value), true}; }
@@ -179,9 +185,7 @@ DecodedReply DecodeCopyData(unsigned kind, std::wstring_view text) {
     case p::kScanBrowser:
     case p::kBrowserDone:
     case p::kBrowserStopped:
-      reply.title = kind == p::kScanBrowser   ? "scan: browser traces"
-                    : kind == p::kBrowserDone ? "browser traces cleaned"
-                                              : "browser traces stopped";
+      reply.title = kind == p::kScanBrowser ? "scan: browser traces" : TaskReplyTitle(*p::FindReply(kCopyDataMessage, kind));
       ok = Fill(reply, p::kSepBrowser, BrowserLayout());
       break;
     case p::kScanPlugins:
@@ -202,13 +206,13 @@ DecodedReply DecodeCopyData(unsigned kind, std::wstring_view text) {
       if (ok) reply.fields.push_back({"text", std::wstring(text), false});
       break;
     case p::kPcTracesDone:
-      reply.title = "PC traces cleaned";
+      reply.title = TaskReplyTitle(*p::FindReply(kCopyDataMessage, kind));
       ok = Fill(reply, p::kSepPcTraces, PcCounterLayout());
       break;
     case p::kPcTracesStopped: {
       // Only the first five counters, each with its separator, are reliable;
       // what follows the fifth separator is not read.
-      reply.title = "PC traces stopped";
+      reply.title = TaskReplyTitle(*p::FindReply(kCopyDataMessage, kind));
       const std::vector<Slot> firstFive(PcCounterLayout().begin(), PcCounterLayout().begin() + 5);
       // More than five pieces: the fifth counter is followed by its separator.
       ok = Split(reply.text, p::kSepPcTraces).size() > 5 && Fill(reply, p::kSepPcTraces, firstFive, true);
@@ -229,89 +233,35 @@ DecodedReply DecodeMessage(unsigned id, std::uintptr_t wParam, std::intptr_t lPa
   // Counts are 32-bit signed counters widened to the pointer width.
   const auto count = static_cast<std::int32_t>(static_cast<std::uint32_t>(wParam));
   const auto bytes = static_cast<std::int64_t>(lParam);
-  auto countAndBytes = [&](std::string title, std::string countName) {
-    reply.title = std::move(title);
-    reply.fields.push_back(CountField(std::move(countName), count));
+  if (id == p::kPcTracesProgress || id == p::kBrowserProgress) {
+    const p::TaskSpec& task = p::SpecOf(id == p::kPcTracesProgress ? p::Task::kPcTraces : p::Task::kBrowser);
+    reply.title = std::string(task.title) + " progress";
+    reply.progress = true;
+    reply.fields.push_back(CountField("step", static_cast<long long>(wParam)));
+    const std::string step = StepName(id, wParam);
+    reply.fields.push_back({"done", std::wstring(step.begin(), step.end()), false});
+    return reply;
+  }
+  const std::optional<p::ReplyMatch> match = p::FindReply(id);
+  if (!match) {
+    reply.title = "unknown message";
+    reply.readable = false;
+    reply.fields.push_back(CountField("wparam", static_cast<long long>(wParam)));
+    reply.fields.push_back(CountField("lparam", static_cast<long long>(lParam)));
+    return reply;
+  }
+  reply.title = TaskReplyTitle(*match);
+  if (match->reply->payload == p::Payload::kCountAndBytes) {
+    reply.fields.push_back(CountField(std::string(match->spec->countName), count));
     reply.fields.push_back(CountField("bytes", bytes));
     reply.fields.push_back({"size", SizeTextOfBytes(bytes), false});
-  };
-  switch (id) {
-    case p::kJunkFilesDone:
-    case p::kJunkFilesDone2:
-      countAndBytes("junk files cleaned", "junk_files");
-      break;
-    case p::kJunkFilesStop:
-    case p::kJunkFilesStop2:
-      countAndBytes("junk files stopped", "junk_files");
-      break;
-    case p::kShortcutsDone:
-    case p::kShortcutsDone2:
-      countAndBytes("dead shortcuts cleaned", "dead_shortcuts");
-      break;
-    case p::kShortcutsStop:
-    case p::kShortcutsStop2:
-      countAndBytes("dead shortcuts stopped", "dead_shortcuts");
-      break;
-    case p::kRecycleBinDone:
-    case p::kRecycleBinDone2:
-      countAndBytes("Recycle Bin emptied", "recycle_bin_items");
-      break;
-    case p::kRecycleBinStop:
-    case p::kRecycleBinStop2:
-      countAndBytes("Recycle Bin stopped", "recycle_bin_items");
-      break;
-    case p::kRegistryFixDone:
-    case p::kRegistryFixDone2:
-      reply.title = "registry fixed";
-      break;
-    case p::kRegistryFixStop:
-      reply.title = "registry fix stopped";
-      break;
-    case p::kExtensionFixDone:
-    case p::kExtensionFixDone2:
-      reply.title = "file extensions fixed";
-      break;
-    case p::kPluginCleanDone:
-    case p::kPluginCleanDone2:
-      reply.title = "plug-in clean done";
-      break;
-    case p::kPluginCleanStop:
-    case p::kPluginCleanStop2:
-      reply.title = "plug-in clean stopped";
-      break;
-    case p::kBrowserDone2:
-      reply.title = "browser traces cleaned";
-      break;
-    case p::kBrowserStop2:
-      reply.title = "browser traces stopped";
-      break;
-    case p::kPcTracesDone2:
-      reply.title = "PC traces cleaned";
-      break;
-    case p::kPcTracesStop2:
-      reply.title = "PC traces stopped";
-      break;
-    case p::kPcTracesProgress:
-    case p::kBrowserProgress: {
-      reply.title = id == p::kPcTracesProgress ? "PC traces progress" : "browser traces progress";
-      reply.progress = true;
-      reply.fields.push_back(CountField("step", static_cast<long long>(wParam)));
-      const std::string step = StepName(id, wParam);
-      reply.fields.push_back({"done", std::wstring(step.begin(), step.end()), false});
-      break;
-    }
-    default:
-      reply.title = "unknown message";
-      reply.readable = false;
-      reply.fields.push_back(CountField("wparam", static_cast<long long>(wParam)));
-      reply.fields.push_back(CountField("lparam", static_cast<long long>(lParam)));
-      break;
   }
   return reply;
 }
 
 bool IsWorkerReply(unsigned id) {
-  return id == kCopyDataMessage || (id >= p::kJunkFilesStart && id <= p::kFullScanStop);
+  return id == kCopyDataMessage || id == p::kPcTracesProgress || id == p::kBrowserProgress ||
+         p::FindReply(id).has_value();
 }
 
 }  // namespace overseer

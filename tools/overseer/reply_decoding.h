@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "protocol/tasks.h"
+
 namespace overseer {
 
 struct Field {
@@ -26,7 +28,7 @@ struct DecodedReply {
   bool progress = false;
 };
 
-inline constexpr unsigned kCopyDataMessage = 74;
+inline constexpr unsigned kCopyDataMessage = scourel::protocol::kCopyDataMessage;
 
 DecodedReply DecodeCopyData(unsigned kind, std::wstring_view text);
 // wParam and lParam as the message carried them (pointer-sized).

@@ -3,7 +3,8 @@
 #include <span>
 
 #include "common/win.h"
-#include "host/settings.h"
+#include "protocol/categories.h"
+#include "protocol/settings_keys.h"
 
 namespace overseer {
 
@@ -22,20 +23,15 @@ void AddSwitches(std::vector<SettingEntry>& entries, const std::wstring& prefix,
 
 }  // namespace
 
-std::wstring KeyPrefix(bool secondSet, bool modeO) {
-  if (!secondSet) return L"IDS_C";
-  return modeO ? L"IDS_O" : L"IDS_";
-}
-
 std::vector<SettingEntry> SettingsEntries(const Options& options, bool modeO) {
   std::vector<SettingEntry> entries;
   if (options.wipeMethod) {
-    entries.emplace_back(scourel::kWipeAlgorithmKey, std::to_wstring(*options.wipeMethod));
+    entries.emplace_back(scourel::protocol::kWipeAlgorithmKey, std::to_wstring(*options.wipeMethod));
   }
-  const std::wstring prefix = KeyPrefix(options.secondSet, modeO);
-  AddSwitches(entries, prefix, scourel::kPcTracesKeys, options.pc);
-  AddSwitches(entries, prefix, scourel::kBrowserKeys, options.browser);
-  AddSwitches(entries, prefix, scourel::kRegistryKeys, options.registry);
+  const std::wstring prefix = scourel::protocol::KeyPrefix(options.secondSet, modeO);
+  AddSwitches(entries, prefix, scourel::protocol::kPcSwitchKeys, options.pc);
+  AddSwitches(entries, prefix, scourel::protocol::kBrowserCategoryKeys, options.browser);
+  AddSwitches(entries, prefix, scourel::protocol::kRegistrySwitchKeys, options.registry);
   return entries;
 }
 
@@ -49,7 +45,7 @@ std::optional<std::wstring> InstallRootOf(const std::wstring& workerExePath) {
 
 bool WriteSettings(const std::wstring& iniPath, const std::vector<SettingEntry>& entries, std::wstring* failedKey) {
   for (const SettingEntry& entry : entries) {
-    if (!::WritePrivateProfileStringW(scourel::kSettingsSection, entry.first.c_str(), entry.second.c_str(),
+    if (!::WritePrivateProfileStringW(scourel::protocol::kSettingsSection, entry.first.c_str(), entry.second.c_str(),
                                       iniPath.c_str())) {
       if (failedKey) *failedKey = entry.first;
       return false;

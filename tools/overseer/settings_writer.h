@@ -15,10 +15,6 @@ inline constexpr wchar_t kSettingsFileName[] = L"Settings.INI";
 
 using SettingEntry = std::pair<std::wstring, std::wstring>;  // key, value
 
-// The key prefix the worker will read for this command: IDS_C for the first
-// set; for the second, IDS_O when the worker runs with mode "o", else IDS_.
-std::wstring KeyPrefix(bool secondSet, bool modeO);
-
 // Everything the options ask to be written, in the worker's reading order:
 // wipe method first, then PC traces, browser, registry switches.
 std::vector<SettingEntry> SettingsEntries(const Options& options, bool modeO);

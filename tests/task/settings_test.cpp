@@ -1,11 +1,11 @@
-#include "host/settings.h"
+#include "task/settings.h"
 
 #include <gtest/gtest.h>
 
 #include "common/win.h"
-#include "host/worker_state.h"
 #include "registry_cleaner/registry_fix.h"
 #include "support/fixtures.h"
+#include "support/task_fixture.h"
 
 namespace scourel {
 namespace {
@@ -44,15 +44,17 @@ TEST(SettingsTest, KeyFamilyFollowsCommandSetAndModeArgument) {
 
 class SettingsFileTest : public testing::Test {
  protected:
-  void SetUp() override {
-    saved_ = g_settingsPath;
-    g_settingsPath = dir_ / L"Settings.INI";
+  void Write(const std::string& text) { test::WriteFileBytes(path_, text); }
+  bool ReadSwitch(KeyFamily family, std::wstring_view suffix, unsigned chars) const {
+    return SettingsFile(path_).Switch(family, suffix, chars);
   }
-  void TearDown() override { g_settingsPath = saved_; }
-  void Write(const std::string& text) { test::WriteFileBytes(g_settingsPath, text); }
+  std::uint32_t ReadWipeAlgorithm() const { return SettingsFile(path_).ReadWipeAlgorithm(); }
+  void SelectFixCategories(KeyFamily family) const {
+    scourel::SelectFixCategories(test::TestContext(Mode::kErase, 0, path_), family);
+  }
 
   ScratchDir dir_{L"settings"};
-  std::wstring saved_;
+  std::wstring path_ = dir_ / L"Settings.INI";
 };
 
 TEST_F(SettingsFileTest, SwitchesReadThroughTheIniFile) {
@@ -80,7 +82,7 @@ TEST_F(SettingsFileTest, MissingFileOrSectionReadsAllOff) {
 
 TEST_F(SettingsFileTest, LongValuesAreCutByTheBuffer) {
   Write("[Corvane Suite]\r\nIDS_WIPEALGORITHM=" + std::string(150, '7') + "\r\n");
-  EXPECT_EQ(ReadSetting(g_settingsPath, L"IDS_WIPEALGORITHM", kWipeAlgorithmChars).size(), kWipeAlgorithmChars - 1);
+  EXPECT_EQ(ReadSetting(path_, L"IDS_WIPEALGORITHM", kWipeAlgorithmChars).size(), kWipeAlgorithmChars - 1);
 }
 
 TEST_F(SettingsFileTest, InvalidWipeIndexLeavesTheLastOne) {
@@ -93,7 +95,7 @@ TEST_F(SettingsFileTest, InvalidWipeIndexLeavesTheLastOne) {
     ReadWipeAlgorithm();
     EXPECT_EQ(g_wipeMethod.get(), expected) << value;
   }
-  ::DeleteFileW(g_settingsPath.c_str());
+  ::DeleteFileW(path_.c_str());
   ReadWipeAlgorithm();
   EXPECT_EQ(g_wipeMethod.get(), 0u) << "a missing file changes nothing";
 }
@@ -117,27 +119,13 @@ TEST_F(SettingsFileTest, RegistryFlagsAreReadAfreshForEveryFix) {
   // Every switch of the family maps to its own category; the extension and
   // additional-references categories have no switch.
   std::string all = "[Corvane Suite]\r\n";
-  for (auto suffix : kRegistryKeys) all += "IDS_O" + std::string(suffix.begin(), suffix.end()) + "=TRUE\r\n";
+  for (auto suffix : protocol::kRegistrySwitchKeys) all += "IDS_O" + std::string(suffix.begin(), suffix.end()) + "=TRUE\r\n";
   Write(all);
   SelectFixCategories(KeyFamily::kO);
   for (int c = 0; c < kRegistryCategoryTotal; ++c) {
     const bool selectable = c != kCatExtensions && c != kCatAdditional && c != kCatNone;
     EXPECT_EQ(FixFlag(c), selectable ? 1 : 0) << c;
   }
-}
-
-TEST(WorkerStateTest, SettingsLiveTwoFoldersAboveTheExe) {
-  const std::pair<const wchar_t*, const wchar_t*> cases[] = {
-      {L"C:\\A\\B\\scourel.exe", L"C:\\A\\Settings.INI"},
-      {L"S:\\bin\\scourel.exe", L"S:\\Settings.INI"},
-      {L"C:\\Program Files\\Corvane\\bin\\scourel.exe", L"C:\\Program Files\\Corvane\\Settings.INI"},
-  };
-  const std::wstring saved = g_settingsPath;
-  for (const auto& [exe, settings] : cases) {
-    LocateSettings(exe);
-    EXPECT_EQ(g_settingsPath, settings);
-  }
-  g_settingsPath = saved;
 }
 
 }  // namespace

@@ -7,11 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "host/protocol.h"
+#include "protocol/categories.h"
+#include "protocol/messages.h"
 
 namespace scourel {
 
-using PcCounters = std::array<std::int32_t, protocol::kPcTracesCounterCount>;
+using PcCounters = std::array<std::int32_t, protocol::kPcStepCount>;
 
 std::wstring JunkScanText(std::int32_t first, float bytes, std::int32_t second);   // 101
 std::wstring ShortcutScanText(std::int32_t count, float bytes);                    // 102
@@ -24,7 +25,7 @@ std::wstring PcTracesScanText(const PcCounters& counters, float documentBytes, f
 std::wstring BrowserText(const std::array<std::int32_t, protocol::kBrowserCategoryCount>& counts,
                          const std::array<float, protocol::kBrowserCategoryCount>& bytes);
 std::wstring PluginScanText(std::int32_t count, float bytes);                      // 106
-std::wstring RegistryScanText(const std::array<std::int32_t, protocol::kRegistryCategoryCount>& counts);  // 107
+std::wstring RegistryScanText(const std::array<std::int32_t, protocol::kRegistryReportCount>& counts);  // 107
 std::wstring ExtensionScanText(std::int32_t count);                                // 108
 std::wstring PcTracesDoneText(const PcCounters& counters);                         // 303
 std::wstring PcTracesStoppedText(const PcCounters& counters);                      // 304

@@ -1,10 +1,10 @@
-#include "host/reply_text.h"
+#include "protocol/reply_text.h"
 
 #include <cstdarg>
 #include <cstring>
 #include <cwchar>
 
-#include "host/task_totals.h"
+#include "protocol/size_text.h"
 
 namespace scourel {
 
@@ -63,9 +63,9 @@ std::wstring PluginScanText(std::int32_t count, float bytes) {
   return Format(L"%d%ls%ls", count, protocol::kSepPlugins, SizeText(bytes).c_str());
 }
 
-std::wstring RegistryScanText(const std::array<std::int32_t, protocol::kRegistryCategoryCount>& counts) {
+std::wstring RegistryScanText(const std::array<std::int32_t, protocol::kRegistryReportCount>& counts) {
   std::wstring text;
-  for (int i = 0; i < protocol::kRegistryCategoryCount; ++i) {
+  for (int i = 0; i < protocol::kRegistryReportCount; ++i) {
     if (i) text += L' ';
     text += Format(L"%d%ls", counts[i], protocol::kSepRegistry);
   }

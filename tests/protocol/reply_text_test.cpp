@@ -1,4 +1,4 @@
-#include "host/reply_text.h"
+#include "protocol/reply_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,18 +1,9 @@
-#include "host/task_totals.h"
+#include "protocol/size_text.h"
 
+#include <cstdint>
 #include <cwchar>
 
 namespace scourel {
-
-TaskTotals g_totals;
-
-void ResetForJunkFileScan() {
-  g_totals.byteTotal.set(0.0f);
-  for (auto& counter : g_totals.pcTraces) counter.set(0);
-  g_totals.junkFirst.set(0);
-  g_totals.junkSecond.set(0);
-  g_totals.recycleBinItems.set(0);
-}
 
 namespace {
 
@@ -38,13 +29,9 @@ std::wstring FormatSize(float bytes, const wchar_t* kb, const wchar_t* mb, const
 
 }  // namespace
 
-std::wstring SizeText(float bytes) {
-  return FormatSize(bytes, L"%.2f KB", L"%.2f MB", L"%.2f GB");
-}
+std::wstring SizeText(float bytes) { return FormatSize(bytes, L"%.2f KB", L"%.2f MB", L"%.2f GB"); }
 
-std::wstring PaddedSizeText(float bytes) {
-  return FormatSize(bytes, L"%7.2f KB", L"%7.2f MB", L"%7.2f GB");
-}
+std::wstring PaddedSizeText(float bytes) { return FormatSize(bytes, L"%7.2f KB", L"%7.2f MB", L"%7.2f GB"); }
 
 std::int64_t ReplyBytes(float bytes) {
   // Out-of-range values (never reached by real totals) saturate rather than

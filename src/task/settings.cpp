@@ -1,9 +1,8 @@
-#include "host/settings.h"
+#include "task/settings.h"
 
 #include <vector>
 
 #include "common/win.h"
-#include "host/worker_state.h"
 
 namespace scourel {
 
@@ -14,11 +13,7 @@ KeyFamily FamilyForSecondSet(std::wstring_view modeArgument) {
 }
 
 std::wstring KeyName(KeyFamily family, std::wstring_view suffix) {
-  std::wstring name = L"IDS_";
-  if (family == KeyFamily::kFirstSet) name += L'C';
-  if (family == KeyFamily::kO) name += L'O';
-  name += suffix;
-  return name;
+  return protocol::KeyPrefix(family != KeyFamily::kFirstSet, family == KeyFamily::kO) + std::wstring(suffix);
 }
 
 bool IsSwitchOn(std::wstring_view value) { return value == L"TRUE"; }
@@ -32,19 +27,18 @@ std::optional<std::uint32_t> ParseWipeIndex(std::wstring_view value) {
 
 std::wstring ReadSetting(const std::wstring& iniPath, const std::wstring& key, unsigned bufferChars) {
   std::vector<wchar_t> buffer(bufferChars, L'\0');
-  const DWORD length = ::GetPrivateProfileStringW(kSettingsSection, key.c_str(), L"", buffer.data(),
-                                                  bufferChars, iniPath.c_str());
+  const DWORD length = ::GetPrivateProfileStringW(kSettingsSection, key.c_str(), L"", buffer.data(), bufferChars,
+                                                  iniPath.c_str());
   return std::wstring(buffer.data(), length);
 }
 
-bool ReadSwitch(KeyFamily family, std::wstring_view suffix, unsigned bufferChars) {
-  return IsSwitchOn(ReadSetting(g_settingsPath, KeyName(family, suffix), bufferChars));
+bool SettingsFile::Switch(KeyFamily family, std::wstring_view suffix, unsigned bufferChars) const {
+  return IsSwitchOn(Read(KeyName(family, suffix), bufferChars));
 }
 
-void ReadWipeAlgorithm() {
-  if (auto index = ParseWipeIndex(ReadSetting(g_settingsPath, kWipeAlgorithmKey, kWipeAlgorithmChars))) {
-    g_wipeMethod.set(*index);
-  }
+std::uint32_t SettingsFile::ReadWipeAlgorithm() const {
+  if (auto index = ParseWipeIndex(Read(kWipeAlgorithmKey, kWipeAlgorithmChars))) g_wipeMethod.set(*index);
+  return g_wipeMethod.get();
 }
 
 }  // namespace scourel

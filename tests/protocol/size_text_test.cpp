@@ -1,4 +1,4 @@
-#include "host/task_totals.h"
+#include "protocol/size_text.h"
 
 #include <gtest/gtest.h>
 
@@ -36,28 +36,6 @@ TEST(ReplyBytesTest, TruncatesTowardZeroTo64Bits) {
       {0.0f, 0}, {1.5f, 1}, {0.99f, 0}, {3000000000.0f, 3000000000LL}, {16777217.0f, 16777216}, {6e12f, 6000000106496LL},
   };
   for (const auto& [bytes, expected] : cases) EXPECT_EQ(ReplyBytes(bytes), expected) << bytes;
-}
-
-TEST(TaskTotalsTest, JunkFileResetClearsTheFirstFourRowsOnly) {
-  g_totals.byteTotal.set(5.0f);
-  for (auto& c : g_totals.pcTraces) c.set(3);
-  g_totals.junkFirst.set(1);
-  g_totals.junkSecond.set(2);
-  g_totals.recycleBinItems.set(4);
-  g_totals.recycleBinBytes.set(7.0f);
-  g_totals.pluginItems.set(6);
-  g_totals.registry[0].set(8);
-
-  ResetForJunkFileScan();
-
-  EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);
-  for (auto& c : g_totals.pcTraces) EXPECT_EQ(c.get(), 0);
-  EXPECT_EQ(g_totals.junkFirst.get(), 0);
-  EXPECT_EQ(g_totals.junkSecond.get(), 0);
-  EXPECT_EQ(g_totals.recycleBinItems.get(), 0);
-  EXPECT_EQ(g_totals.recycleBinBytes.get(), 7.0f);
-  EXPECT_EQ(g_totals.pluginItems.get(), 6);
-  EXPECT_EQ(g_totals.registry[0].get(), 8);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "windows_traces/file_probe.h"
+#include "task/file_probe.h"
 
 #include "common/unique_handle.h"
 
@@ -18,6 +18,10 @@ bool ReadWriteProbe(const std::wstring& path) {
 }
 
 bool ReadProbe(const std::wstring& path) { return Open(path, GENERIC_READ, FILE_SHARE_READ).valid(); }
+
+bool ReadProbeSharingWrite(const std::wstring& path) {
+  return Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE).valid();
+}
 
 std::uint64_t SizeByReadProbe(const std::wstring& path) {
   const UniqueHandleKernel file = Open(path, GENERIC_READ, FILE_SHARE_READ);

@@ -8,11 +8,12 @@
 #include <string_view>
 
 #include "common/relaxed.h"
+#include "protocol/settings_keys.h"
 
 namespace scourel {
 
-inline constexpr wchar_t kSettingsSection[] = L"Corvane Suite";
-inline constexpr wchar_t kWipeAlgorithmKey[] = L"IDS_WIPEALGORITHM";
+using protocol::kSettingsSection;
+using protocol::kWipeAlgorithmKey;
 
 // GetPrivateProfileStringW buffer sizes, in characters. A longer value is cut.
 inline constexpr unsigned kWipeAlgorithmChars = 100;
@@ -37,18 +38,23 @@ std::optional<std::uint32_t> ParseWipeIndex(std::wstring_view value);
 
 // One key of the worker's section, empty when the key, section or file is missing.
 std::wstring ReadSetting(const std::wstring& iniPath, const std::wstring& key, unsigned bufferChars);
-bool ReadSwitch(KeyFamily family, std::wstring_view suffix, unsigned bufferChars);
-// Reads IDS_WIPEALGORITHM into g_wipeMethod when it holds a valid index.
-void ReadWipeAlgorithm();
 
-// Key suffixes, in reading order.
-inline constexpr std::wstring_view kPcTracesKeys[] = {
-    L"PCDOCUMENT", L"PCRUNHISTORY", L"PCFINDFILES", L"PCNETWORK", L"PCSCANDISKFILES", L"PCCLEARREGISTRY"};
-inline constexpr std::wstring_view kBrowserKeys[] = {
-    L"CACHE", L"COOKIES", L"HISTORY", L"AUTOCOMPLETE", L"SESSION",
-    L"DOWNLOADHISTORY", L"ADDRESSBAR", L"PROGRAMFILES", L"INDEX", L"ICONS"};
-inline constexpr std::wstring_view kRegistryKeys[] = {
-    L"CURRENTUSER", L"COM", L"FONTS", L"ASSOCIATION", L"TYPES", L"PATHS",
-    L"DLL", L"EMPTY", L"SOUND", L"HELP", L"SOFTWARE", L"DEEPSCAN"};
+// The worker's section of one settings file.
+class SettingsFile {
+ public:
+  explicit SettingsFile(std::wstring path) : path_(std::move(path)) {}
+
+  const std::wstring& path() const { return path_; }
+  std::wstring Read(const std::wstring& key, unsigned bufferChars) const {
+    return ReadSetting(path_, key, bufferChars);
+  }
+  bool Switch(KeyFamily family, std::wstring_view suffix, unsigned bufferChars) const;
+  // Reads IDS_WIPEALGORITHM into g_wipeMethod when it holds a valid index,
+  // and returns the index now in force.
+  std::uint32_t ReadWipeAlgorithm() const;
+
+ private:
+  std::wstring path_;
+};
 
 }  // namespace scourel

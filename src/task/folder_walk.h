@@ -1,19 +1,22 @@
-// Listing one folder for the cleaner walks.
+// Listing one folder for the cleaners' walks.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "common/win.h"
+#include "task/task_context.h"
 
 namespace scourel {
 
 // Calls `visit` for every entry FindFirstFileW/FindNextFileW give for the
-// pattern, "." and ".." included. Stops early once the task is stopped, so a
+// pattern, "." and ".." included. Ends early once the task is stopped, so a
 // stopped task makes no further change. A pattern that cannot be listed
 // yields nothing.
-void ForEachEntry(const std::wstring& pattern, const std::function<void(const WIN32_FIND_DATAW&)>& visit);
+void ForEachEntry(const TaskContext& context, const std::wstring& pattern,
+                  const std::function<void(const WIN32_FIND_DATAW&)>& visit);
 
 inline bool IsDotEntry(const WIN32_FIND_DATAW& entry) {
   const std::wstring_view name = entry.cFileName;

@@ -1,0 +1,56 @@
+// The process-wide totals every scan and clean adds to. Counters are 32-bit
+// signed and byte totals single-precision floats: both limits show in what
+// the controller receives.
+#pragma once
+
+#include <cstdint>
+
+#include "common/relaxed.h"
+#include "protocol/categories.h"
+
+namespace scourel {
+
+// A count and a byte total that one step of a cleaner adds to together.
+struct Tally {
+  Relaxed<std::int32_t>& count;
+  Relaxed<float>& bytes;
+};
+
+struct CountAndBytes {
+  Relaxed<std::int32_t> count;
+  Relaxed<float> bytes;
+  Tally tally() { return {count, bytes}; }
+};
+
+struct TaskTotals {
+  Relaxed<float> byteTotal;
+  // Documents, run history, find files, clipboard, network, scan-disk files,
+  // registry traces: the order of protocol::kPcSteps.
+  Relaxed<std::int32_t> pcTraces[protocol::kPcStepCount];
+  Relaxed<std::int32_t> junkFirst;   // temporary files
+  Relaxed<std::int32_t> junkSecond;  // dumps, logs, error reports, dead shortcuts
+  Relaxed<std::int32_t> recycleBinItems;
+  Relaxed<float> recycleBinBytes;  // the full scan's measurement only
+  Relaxed<std::int32_t> pluginItems;
+  Relaxed<float> pluginBytes;
+  // In the order of the registry switches (protocol::kRegistrySwitches).
+  Relaxed<std::int32_t> registry[protocol::kRegistrySwitchCount];
+  // In the order of the browser switches.
+  Relaxed<std::int32_t> browserCounts[protocol::kBrowserCategoryCount];
+  Relaxed<float> browserBytes[protocol::kBrowserCategoryCount];
+
+  Tally byteTotalWith(Relaxed<std::int32_t>& counter) { return {counter, byteTotal}; }
+  Relaxed<std::int32_t>& pc(protocol::PcStep step) { return pcTraces[protocol::CounterOf(step)]; }
+};
+
+// The one set of totals of the process.
+extern TaskTotals g_totals;
+
+// The junk-file scan's reset: byte total, the seven PC-traces counters, both
+// junk-file counters and the Recycle Bin item counter, all at once.
+void ResetForJunkFileScan(TaskTotals& totals);
+
+// File sizes reach the float totals as unsigned 64-bit values converted to float.
+inline void AddBytes(Relaxed<float>& total, std::uint64_t size) { total.add(static_cast<float>(size)); }
+
+}  // namespace scourel

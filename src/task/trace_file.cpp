@@ -1,0 +1,46 @@
+#include "task/trace_file.h"
+
+#include "task/file_probe.h"
+
+namespace scourel {
+
+namespace {
+
+bool PassesProbe(const TaskContext& context, const TraceFile& file, const TraceRule& rule) {
+  switch (rule.probe) {
+    case Probe::kNone:
+      return true;
+    case Probe::kRead:
+      return ReadProbe(file.path);
+    case Probe::kReadWrite:
+      if (!context.erasing() && rule.readOnlyCleared && (file.attributes & FILE_ATTRIBUTE_READONLY)) {
+        return ReadProbeSharingWrite(file.path);
+      }
+      return ReadWriteProbe(file.path);
+  }
+  return false;
+}
+
+}  // namespace
+
+bool TakeTraceFile(const TaskContext& context, const TraceFile& file, const TraceRule& rule, Tally tally) {
+  if (context.stopped() || !PassesProbe(context, file, rule)) return false;
+  tally.count.add(1);
+  switch (rule.size) {
+    case SizeFrom::kListing: AddBytes(tally.bytes, file.listedSize); break;
+    case SizeFrom::kReadOpen: AddBytes(tally.bytes, SizeByReadProbe(file.path)); break;
+    case SizeFrom::kNothing: break;
+  }
+  // What a listing shows as a folder or a link is not a file of ours to
+  // overwrite: it is counted as found, and left.
+  const bool plainFile = !(file.attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));
+  if (context.erasing() && plainFile) ShredFile(context, file.path);
+  return true;
+}
+
+ShredOutcome ShredFile(const TaskContext& context, const std::wstring& path) {
+  CFileShred shredder(context.io, context.stop, context.window);
+  return shredder.Shred(path, context.wipeMethod);
+}
+
+}  // namespace scourel
