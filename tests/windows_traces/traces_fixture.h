@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/com_init.h"
 #include "common/unique_handle.h"
 #include "task/task_totals.h"
 #include "support/fixtures.h"
@@ -34,7 +35,7 @@ inline std::uint64_t FileSize(const std::wstring& path) {
 
 // Saves a shell link to `target` and checks that it reads back unchanged.
 inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& target) {
-  ::CoInitialize(nullptr);
+  const ScopedComInit com;
   ComPtr<IShellLinkW> link;
   ComPtr<IPersistFile> file;
   wchar_t back[1024] = {};

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "protocol/messages.h"
+#include "common/hidden_window.h"
 #include "common/status.h"
 #include "support/fixtures.h"
 #include "wipe/obscure_name.h"
@@ -204,35 +205,30 @@ TEST(Shred, TraceTable) {
   }
 }
 
-// Stands in for the worker's command window.
-std::vector<WPARAM> g_progressMessages;
-LRESULT CALLBACK ProgressWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message != protocol::kWipeProgress) return ::DefWindowProcW(window, message, wParam, lParam);
-  g_progressMessages.push_back(wParam);
-  EXPECT_EQ(lParam, 0);
-  return 0;
-}
-
 TEST(Shred, ProgressMessagesOnlyInWipeProgressMode) {
-  WNDCLASSW windowClass{};
-  windowClass.lpfnWndProc = ProgressWindowProc;
-  windowClass.hInstance = ::GetModuleHandleW(nullptr);
-  windowClass.lpszClassName = L"ScourelWipeProgressTest";
-  ::RegisterClassW(&windowClass);
-  HWND window = ::CreateWindowW(windowClass.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                windowClass.hInstance, nullptr);
-  ASSERT_NE(window, nullptr);
+  // Stands in for the worker's command window.
+  std::vector<WPARAM> progress;
+  HiddenWindow window;
+  WindowSpec spec;
+  spec.className = L"ScourelWipeProgressTest";
+  ASSERT_FALSE(window.Register(spec));
+  ASSERT_FALSE(window.Create([&](HWND, UINT message, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
+    if (message != protocol::kWipeProgress) return std::nullopt;
+    progress.push_back(wParam);
+    EXPECT_EQ(lParam, 0);
+    return 0;
+  }));
   test::ScratchDir dir(L"shred_progress");
-  g_progressMessages.clear();
+  struct ModeOff {
+    ~ModeOff() { g_wipeProgressMode.set(false); }
+  } modeOff;
   for (bool mode : {false, true}) {
     g_wipeProgressMode.set(mode);
     test::WriteFileBytes(dir / L"a.bin", std::string(3 * kCluster, 'a'));
-    CFileShred(SystemShredIo(), nullptr, window).Shred(dir / L"a.bin", 0);
+    CFileShred(SystemShredIo(), nullptr, window.get()).Shred(dir / L"a.bin", 0);
     EXPECT_EQ(g_wipeProgress.get(), 100);
-    EXPECT_EQ(g_progressMessages, (mode ? std::vector<WPARAM>{33, 66, 100} : std::vector<WPARAM>{}));
+    EXPECT_EQ(progress, (mode ? std::vector<WPARAM>{33, 66, 100} : std::vector<WPARAM>{}));
   }
-  g_wipeProgressMode.set(false);
-  ::DestroyWindow(window);
 }
 
 // Nothing is touched for a missing path, a folder, or a link to a folder.

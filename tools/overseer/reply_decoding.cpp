@@ -118,6 +118,23 @@ const std::vector<Slot>& PcCounterLayout() {
   return layout;
 }
 
+// The full scan's PC-traces record: the counters, each of the three steps
+// that find files followed by its size.
+const std::vector<Slot>& PcScanLayout() {
+  static const std::vector<Slot> layout = [] {
+    std::vector<Slot> slots;
+    for (const p::PcStepSpec& step : p::kPcSteps) {
+      slots.push_back({std::string(step.name), Piece::kCount});
+      if (step.step == p::PcStep::kDocuments || step.step == p::PcStep::kNetwork ||
+          step.step == p::PcStep::kScanDiskFiles) {
+        slots.push_back({std::string(step.name) + "_size", Piece::kSize});
+      }
+    }
+    return slots;
+  }();
+  return layout;
+}
+
 std::string StepName(unsigned id, std::uintptr_t step) {
   // Progress steps count from 1 in the order the task runs its steps.
   if (step < 1) return "";
@@ -170,17 +187,7 @@ DecodedReply DecodeCopyData(unsigned kind, std::wstring_view text) {
       break;
     case p::kScanPcTraces:
       reply.title = "scan: PC traces";
-      ok = Fill(reply, p::kSepPcTraces,
-                {{"documents", Piece::kCount},
-                 {"documents_size", Piece::kSize},
-                 {"run_history", Piece::kCount},
-                 {"find_files", Piece::kCount},
-                 {"clipboard", Piece::kCount},
-                 {"network", Piece::kCount},
-                 {"network_size", Piece::kSize},
-                 {"scan_disk_files", Piece::kCount},
-                 {"scan_disk_files_size", Piece::kSize},
-                 {"registry_traces", Piece::kCount}});
+      ok = Fill(reply, p::kSepPcTraces, PcScanLayout());
       break;
     case p::kScanBrowser:
     case p::kBrowserDone:
