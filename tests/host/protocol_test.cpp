@@ -130,7 +130,11 @@ TEST(WorkerProtocolTest, EveryStartCommandRepliesAsSpecified) {
     const Expected& last = c.replies.back();
     auto done = last.id == WM_COPYDATA ? worker.WaitForCopyData(last.kind) : worker.WaitFor(last.id);
     ASSERT_TRUE(done) << "no final reply";
-    ::Sleep(100);
+    for (const auto& e : c.replies) {
+      if (e.id == 2082 || e.id == 2083) {
+        ASSERT_TRUE(worker.WaitForCount(e.id, e.id == 2082 ? 6 : 9));
+      }
+    }
     // Progress steps are posted and results sent, so a result may overtake
     // the last steps in the controller's queue: compare the two apart.
     std::vector<ReceivedMessage> progress, results;
@@ -159,11 +163,6 @@ TEST(WorkerProtocolTest, EveryStartCommandRepliesAsSpecified) {
   }
 }
 
-bool NothingArrives(WorkerHarness& worker, DWORD ms = 300) {
-  ::Sleep(ms);
-  return worker.Received().empty();
-}
-
 TEST(WorkerProtocolTest, StopsOfEmptySlotsAndUnusedIdsSendNothing) {
   WorkerHarness worker(L"proto-empty");
   ASSERT_TRUE(worker.Started());
@@ -173,18 +172,19 @@ TEST(WorkerProtocolTest, StopsOfEmptySlotsAndUnusedIdsSendNothing) {
     SCOPED_TRACE(id);
     worker.ClearReceived();
     EXPECT_EQ(worker.Send(id), 0);
-    EXPECT_TRUE(NothingArrives(worker, 100));
+    EXPECT_TRUE(worker.NothingArrives(100));
   }
   // A finished task leaves its slot empty: its stop sends nothing.
   worker.ClearReceived();
   worker.Send(2049);
   ASSERT_TRUE(worker.WaitForCopyData(303));
-  // The thread empties its slot just after its reply, and posted progress
-  // may still trail the result: let both settle.
-  ::Sleep(300);
+  // The thread empties its slot just after its reply; the progress it posted
+  // before may still trail the result.
+  ASSERT_TRUE(worker.WaitForCount(2082, 6));
   worker.ClearReceived();
+  EXPECT_TRUE(worker.NothingArrives());  // nothing follows the completion
   worker.Send(2051);
-  EXPECT_TRUE(NothingArrives(worker));
+  EXPECT_TRUE(worker.NothingArrives());
 }
 
 TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
@@ -211,7 +211,9 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
     SCOPED_TRACE(c.stop);
     worker.Send(c.start);
     ASSERT_TRUE(c.started == WM_COPYDATA ? worker.WaitForCopyData(c.startedKind) : worker.WaitFor(c.started));
-    ::Sleep(300);  // posted progress may trail the result
+    if (c.start == 2046) {
+      ASSERT_TRUE(worker.WaitForCount(2083, 9));  // posted progress may trail the result
+    }
     worker.ClearReceived();
     worker.Send(c.stop);
     auto got = c.reply.id == WM_COPYDATA ? worker.WaitForCopyData(c.reply.kind, 5000) : worker.WaitFor(c.reply.id, 5000);
@@ -220,7 +222,7 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
     // The slot is empty after a stop: the same stop again sends nothing.
     worker.ClearReceived();
     worker.Send(c.stop);
-    EXPECT_TRUE(NothingArrives(worker));
+    EXPECT_TRUE(worker.NothingArrives());
   }
 }
 
@@ -253,8 +255,7 @@ TEST(WorkerProtocolTest, WithoutControllerTheWorkerRunsOnQuietly) {
   worker.Send(2087);
   worker.Send(2049);
   worker.Send(2034);
-  ::Sleep(500);
-  EXPECT_FALSE(worker.WaitExit(100)) << "the worker keeps running";
+  EXPECT_FALSE(worker.WaitExit(600)) << "the worker keeps running";
   EXPECT_EQ(worker.Send(2039), 0);
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "common/win.h"
+#include "support/fixtures.h"
 #include "support/worker_harness.h"
 
 namespace scourel::test {
@@ -40,6 +41,7 @@ TEST(SettingsFamilyTest, CommandSetAndModeArgumentChooseTheKeys) {
       {L"", 2073, L"IDS_", true},   {L"", 2073, L"IDS_O", false}, {L"", 2073, L"IDS_C", false},
       {L"o", 2073, L"IDS_O", true}, {L"o", 2073, L"IDS_", false},
   };
+  const Cleanup runHistory([] { ::RegDeleteTreeW(HKEY_CURRENT_USER, kRunMru); });
   for (const FamilyCase& c : cases) {
     SCOPED_TRACE(testing::PrintToString(std::wstring(c.mode)) + " " + std::to_string(c.command) + " " +
                  testing::PrintToString(std::wstring(c.prefixOn)));
@@ -57,7 +59,6 @@ TEST(SettingsFamilyTest, CommandSetAndModeArgumentChooseTheKeys) {
     }
     EXPECT_EQ(RunHistoryPresent(), !c.erased);
   }
-  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRunMru);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -71,6 +72,26 @@ class ScratchKey {
   std::wstring path_;
   UniqueRegKey key_;
 };
+
+// Undoes what a test planted outside its scratch folders when the test ends,
+// however it ends: a failed assertion leaves nothing behind for the next test.
+class Cleanup {
+ public:
+  explicit Cleanup(std::function<void()> undo) : undo_(std::move(undo)) {}
+  ~Cleanup() { undo_(); }
+  Cleanup(const Cleanup&) = delete;
+  Cleanup& operator=(const Cleanup&) = delete;
+
+ private:
+  std::function<void()> undo_;
+};
+
+// Removes each path (files, folders with their contents, host-side links).
+inline Cleanup RemovedAtEnd(std::vector<std::wstring> paths) {
+  return Cleanup([paths = std::move(paths)] {
+    for (const std::wstring& path : paths) RemoveTree(path);
+  });
+}
 
 // Runs a program and waits for it; returns its exit code or -1.
 int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs = 60000);

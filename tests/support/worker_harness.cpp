@@ -38,6 +38,7 @@ WorkerHarness::WorkerHarness(const std::wstring& name, const std::wstring& modeA
   if (!::CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
   process_.reset(info.hProcess);
   UniqueHandleKernel thread(info.hThread);
+  // The worker is ready once its window exists; it announces nothing else.
   for (int i = 0; i < 1000 && !worker_; ++i) {
     worker_ = ::FindWindowW(protocol::kWorkerClass, nullptr);
     if (!worker_) ::Sleep(10);
@@ -129,6 +130,26 @@ std::optional<ReceivedMessage> WorkerHarness::WaitMatching(UINT id, unsigned kin
     return false;
   });
   return found;
+}
+
+bool WorkerHarness::WaitUntil(const std::function<bool(const std::vector<ReceivedMessage>&)>& done,
+                              DWORD timeoutMs) {
+  std::unique_lock lock(mutex_);
+  return arrived_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] { return done(received_); });
+}
+
+bool WorkerHarness::NothingArrives(DWORD timeoutMs) {
+  return !WaitUntil([](const std::vector<ReceivedMessage>& received) { return !received.empty(); }, timeoutMs);
+}
+
+bool WorkerHarness::WaitForCount(UINT id, size_t count, DWORD timeoutMs) {
+  return WaitUntil(
+      [&](const std::vector<ReceivedMessage>& received) {
+        size_t seen = 0;
+        for (const ReceivedMessage& message : received) seen += message.id == id ? 1 : 0;
+        return seen >= count;
+      },
+      timeoutMs);
 }
 
 std::optional<ReceivedMessage> WorkerHarness::WaitFor(UINT id, DWORD timeoutMs) { return WaitMatching(id, 0, timeoutMs); }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -54,6 +55,14 @@ class WorkerHarness {
   // arrived after the previous wait's match; null on timeout.
   std::optional<ReceivedMessage> WaitFor(UINT id, DWORD timeoutMs = 60000);
   std::optional<ReceivedMessage> WaitForCopyData(unsigned kind, DWORD timeoutMs = 60000);
+  // Waits until what has arrived satisfies `done`; false on timeout.
+  bool WaitUntil(const std::function<bool(const std::vector<ReceivedMessage>&)>& done, DWORD timeoutMs = 60000);
+  // True when nothing at all arrives within the time: a bounded wait for
+  // the replies that must not come.
+  bool NothingArrives(DWORD timeoutMs = 300);
+  // Waits until `count` messages with this id have arrived in all.
+  bool WaitForCount(UINT id, size_t count, DWORD timeoutMs = 10000);
+
   // Everything received so far, in order.
   std::vector<ReceivedMessage> Received();
   void ClearReceived();

@@ -20,6 +20,11 @@ TEST(DeadShortcutsTest, MeasureCountsThenCleanShredsOnlyDeadShortcutsOutsideAcce
   const std::wstring accessories = CommonStartMenuDir() + L"\\Programs\\Accessories\\scourel-test";
   const std::wstring system32 = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-probe.txt";
   const std::wstring dead[] = {PublicDesktopDir() + L"\\scourel-dead.lnk", menu + L"\\dead.lnk"};
+  const Cleanup planted = RemovedAtEnd({profile + L"\\linked", profile, menu, accessories, dead[0], system32});
+  const Cleanup totals([] {
+    g_totals.junkSecond.set(0);
+    g_totals.byteTotal.set(0.0f);
+  });
   MakeDirs(targets / L"folder");
   for (const wchar_t* name : {L"alive.txt", L"gone.txt", L"gone2.txt"}) WriteFileBytes(targets / name, "x");
   WriteFileBytes(system32, "probe");
@@ -51,13 +56,6 @@ TEST(DeadShortcutsTest, MeasureCountsThenCleanShredsOnlyDeadShortcutsOutsideAcce
   for (const auto& [link, target] : kept) EXPECT_TRUE(PathExists(link)) << link;
   EXPECT_EQ(ReadFileBytes(canaryDir / L"dead-in-canary.lnk"), canaryBytes);
   EXPECT_EQ(canary.Damage(), L"");
-
-  RemoveUnixLink(profile + L"\\linked");
-  for (const std::wstring& folder : {profile, menu, accessories}) RemoveTree(folder);
-  ::DeleteFileW(dead[0].c_str());
-  ::DeleteFileW(system32.c_str());
-  g_totals.junkSecond.set(0);
-  g_totals.byteTotal.set(0.0f);
 }
 
 }  // namespace

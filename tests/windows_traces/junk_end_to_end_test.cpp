@@ -75,6 +75,7 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   ScratchDir targets(L"junk-e2e-targets");
   WriteFileBytes(targets / L"gone.txt", "gone");
   const std::wstring deadLink = PublicDesktopDir() + L"\\scourel-e2e-dead.lnk";
+  const Cleanup link = RemovedAtEnd({deadLink});
   MakeDirs(PublicDesktopDir());
   ASSERT_TRUE(CreateShortcut(deadLink, targets / L"gone.txt"));
   ::DeleteFileW((targets / L"gone.txt").c_str());
@@ -124,7 +125,6 @@ TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
             ReplyBytes(static_cast<float>(deadSize) + 3000.0f * static_cast<float>(roots)));
   EXPECT_EQ(QueryBin().first, 0);
   EXPECT_EQ(junk.canary.Damage(), L"");
-  ::DeleteFileW(deadLink.c_str());
 }
 
 // With Windows 6.2 reported, a target in "Windows\system32" is looked for in
@@ -137,14 +137,8 @@ TEST(JunkEndToEndTest, Windows62KeepsLiveSystem32Targets) {
   const std::wstring appKey = L"Software\\Wine\\AppDefaults\\scourel.exe";
   const std::wstring target = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-probe-62.txt";
   const std::wstring system32Link = PublicDesktopDir() + L"\\scourel-system32.lnk";
-  struct Cleanup {
-    std::vector<std::wstring> files;
-    std::wstring key;
-    ~Cleanup() {
-      for (const std::wstring& path : files) ::DeleteFileW(path.c_str());
-      ::RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
-    }
-  } cleanup{{system32Link, target}, appKey};
+  const Cleanup planted = RemovedAtEnd({system32Link, target});
+  const Cleanup version([&] { ::RegDeleteTreeW(HKEY_CURRENT_USER, appKey.c_str()); });
   SetText(appKey, L"Version", L"win8");
   ASSERT_TRUE(KeyPresent(appKey));
 

@@ -44,15 +44,18 @@ TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
   worker.WriteSetting(L"IDS_PCDOCUMENT", L"TRUE");  // the other family: off here
 
   EXPECT_EQ(worker.Send(2049), 0);
-  for (WPARAM step = 1; step <= 6; ++step) {
-    const auto progress = worker.WaitFor(2082);
-    ASSERT_TRUE(progress) << step;
-    EXPECT_EQ(progress->wParam, step);
-    EXPECT_EQ(progress->lParam, 0);
-    EXPECT_FALSE(progress->sent);
-  }
   const auto done = worker.WaitForCopyData(303);
   ASSERT_TRUE(done);
+  // Posted, so the last steps may trail the sent result.
+  ASSERT_TRUE(worker.WaitForCount(2082, 6));
+  WPARAM step = 0;
+  for (const ReceivedMessage& progress : worker.Received()) {
+    if (progress.id != 2082) continue;
+    EXPECT_EQ(progress.wParam, ++step);
+    EXPECT_EQ(progress.lParam, 0);
+    EXPECT_FALSE(progress.sent);
+  }
+  EXPECT_EQ(step, 6u);
   EXPECT_EQ(Narrow(done->text), "0\\pc 3\\pc 2\\pc 0\\pc 0\\pc 0\\pc 0");
   EXPECT_EQ(done->cbData, 522u);
   EXPECT_FALSE(KeyPresent(kRunMruKey));
@@ -65,15 +68,24 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   ASSERT_FALSE(recent.empty());
   constexpr int kShortcuts = 1500;
   auto shortcut = [&](int i) { return recent + L"\\pctraces-stop-" + std::to_wstring(i) + L".lnk"; };
+  const Cleanup shortcuts([&] {
+    for (int i = 0; i < kShortcuts; ++i) ::DeleteFileW(shortcut(i).c_str());
+  });
   for (int i = 0; i < kShortcuts; ++i) PlantFile(shortcut(i), std::string(64, 's'));
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}});
+  auto left = [&] {
+    int count = 0;
+    for (int i = 0; i < kShortcuts; ++i) count += PathExists(shortcut(i));
+    return count;
+  };
   WorkerHarness worker(L"pctraces-stop");
   ASSERT_TRUE(worker.Started());
   worker.WriteSetting(L"IDS_CPCDOCUMENT", L"TRUE");
   worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"TRUE");
 
   worker.Send(2049);
-  ::Sleep(300);
+  // Stop once the documents step is under way: its first shortcuts are gone.
+  for (int i = 0; i < 3000 && left() == kShortcuts; ++i) ::Sleep(1);
   worker.Send(2051);
   const auto stopped = worker.WaitForCopyData(304, 10000);
   ASSERT_TRUE(stopped);
@@ -84,15 +96,12 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   EXPECT_GT(std::stoi(match[1]), 0);
   EXPECT_LT(std::stoi(match[1]), kShortcuts);
 
-  ::Sleep(500);
-  int left = 0;
-  for (int i = 0; i < kShortcuts; ++i) left += PathExists(shortcut(i));
-  ::Sleep(500);
-  int leftLater = 0;
-  for (int i = 0; i < kShortcuts; ++i) leftLater += ::DeleteFileW(shortcut(i).c_str()) ? 1 : 0;
-  EXPECT_GT(left, 0);
-  EXPECT_EQ(leftLater, left);
-  EXPECT_FALSE(worker.WaitForCopyData(303, 100));
+  // A thread halted at the stop changes nothing more: no completion comes,
+  // and what was left stays left.
+  const int leftAtStop = left();
+  EXPECT_FALSE(worker.WaitForCopyData(303, 1000));
+  EXPECT_GT(leftAtStop, 0);
+  EXPECT_EQ(left(), leftAtStop);
   EXPECT_TRUE(KeyPresent(kRunMruKey));  // the run-history step never came
 }
 
@@ -104,6 +113,10 @@ TEST_F(PcTracesTaskTest, FullScanReportsTheCountersAndThreeSizes) {
                               {ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 2048},
                               {ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 1024},
                               {L"C:\\FOUND.000\\FILE0000.CHK", 512}, {L"C:\\FOUND.000x\\FILE0000.CHK", 4}};
+  const Cleanup plantedFiles([&] {
+    for (const auto& [path, size] : planted) ::DeleteFileW(path.c_str());
+    for (const wchar_t* found : {L"C:\\FOUND.000", L"C:\\FOUND.000x"}) RemoveTree(found);
+  });
   PlantSized(planted, 'p');
 
   WorkerHarness worker(L"pctraces-scan");
@@ -111,8 +124,6 @@ TEST_F(PcTracesTaskTest, FullScanReportsTheCountersAndThreeSizes) {
   worker.Send(2087);
   const auto scan = worker.WaitForCopyData(104, 300000);
   for (const auto& [path, size] : planted) EXPECT_TRUE(PathExists(path)) << path;  // a scan erases nothing
-  for (const auto& [path, size] : planted) ::DeleteFileW(path.c_str());
-  for (const wchar_t* found : {L"C:\\FOUND.000", L"C:\\FOUND.000x"}) RemoveTree(found);
   ASSERT_TRUE(scan);
   EXPECT_EQ(Narrow(scan->text),
             "1\\pc   1.00 KB\\pc 2\\pc 2\\pc 0\\pc 2\\pc   3.00 KB\\pc 1\\pc   0.50 KB\\pc 0");
