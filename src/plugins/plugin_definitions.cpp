@@ -81,8 +81,9 @@ class PluginWalk {
     TakeTraceFile(context_, TraceFile{target.path, 0, attributes}, kNamedFile, tally);
   }
 
-  // Only the files of the pattern's own folder: a matching subfolder is
-  // neither counted nor entered, so "*.*" empties one folder and no more.
+  // Only the files of the pattern's own folder, each shredded with the task's
+  // wipe method like a file named alone: a matching subfolder is neither
+  // counted nor entered, so "*.*" empties one folder and no more.
   void Matches(const std::wstring& pattern, Tally tally) {
     const size_t slash = pattern.rfind(L'\\');
     const std::wstring folder = pattern.substr(0, slash);

@@ -14,10 +14,12 @@ std::vector<std::wstring> PluginNames(const std::wstring& folder, bool clearRead
   if (!find) return names;
   do {
     const std::wstring name = entry.cFileName;
+    // A link is left as it is: its attributes may be another file's.
+    if (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) continue;
     if (clearReadOnly && (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY)) {
       ::SetFileAttributesW((folder + L"\\" + name).c_str(), entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
     }
-    if (entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) continue;
+    if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) continue;
     // The pattern also matches short names: the long name must end in ".cv" itself.
     if (name.size() < 3 || !SameName(std::wstring_view(name).substr(name.size() - 3), L".cv")) continue;
     names.push_back(name.substr(0, name.size() - 3));

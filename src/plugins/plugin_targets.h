@@ -14,7 +14,9 @@
 namespace scourel {
 
 // Folder tokens a "DeleteFile" value may start with: the text before its
-// first "\" must be one of them exactly, case included.
+// first "\" must be one of them exactly, case included. An entry that starts
+// any other way, a full path included, is refused: a plug-in reaches only
+// what lies below the folders these name.
 struct FolderToken {
   std::wstring_view token;
   int csidl;
