@@ -113,7 +113,9 @@ class PluginWalk {
   // Succeeds only for a folder left empty.
   void Remove(const std::wstring& folder, DWORD attributes) {
     if (!context_.erasing() || context_.stopped()) return;
-    if (attributes & FILE_ATTRIBUTE_READONLY) ::SetFileAttributesW(folder.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
+    if (attributes & FILE_ATTRIBUTE_READONLY) {
+      ::SetFileAttributesW(folder.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
+    }
     ::RemoveDirectoryW(folder.c_str());
   }
 

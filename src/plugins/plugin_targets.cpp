@@ -127,7 +127,8 @@ const FileRefusal kFileRefusals[] = {
        }
        return false;
      }},
-    {"a stream or drive inside the path", [](const FileCandidate& c) { return c.rest.find(L':') != std::wstring_view::npos; }},
+    {"a stream or drive inside the path",
+     [](const FileCandidate& c) { return c.rest.find(L':') != std::wstring_view::npos; }},
     {"a part ending in a dot or a space",
      [](const FileCandidate& c) {
        return AnyRestPart(c, [](std::wstring_view part) { return part.back() == L'.' || part.back() == L' '; });

@@ -29,7 +29,7 @@ TEST(PluginFormatTest, EntriesAsTheProfileFunctionsReadThem) {
       // Keys, then values, then files, each by number, whatever the file's order.
       {L"[Info]\r\nDeleteFile1=f\r\nDelRegValue9=v\r\nDelRegKey3=k", L"DelRegKey3=k;DelRegValue9=v;DeleteFile1=f;"},
       // Names without case, trimmed; the first of two wins; quotes go; a bare CR ends a line.
-      {L"[ info ]\n  deleteFILE1 = \"x y\" \n DeleteFile1=second\rDeleteFile2='q'\rDeleteFile3=\"", 
+      {L"[ info ]\n  deleteFILE1 = \"x y\" \n DeleteFile1=second\rDeleteFile2='q'\rDeleteFile3=\"",
        L"DeleteFile1=x y;DeleteFile2=q;DeleteFile3=\";"},
       // Empty entries, comments, nameless lines and a header without its bracket.
       {L"[Info]\nDeleteFile1=\n;DeleteFile2=x\nDeleteFile3\n[Other\nDeleteFile4=d", L"DeleteFile4=d;"},
@@ -46,7 +46,8 @@ TEST(PluginFormatTest, EntriesAsTheProfileFunctionsReadThem) {
 
 TEST(PluginFormatTest, WrittenPluginsReadBack) {
   PluginDefinition plugin{true, L"Caf\u00e9 \u6f22", {}};
-  plugin.entries = {{EntryKind::kKey, 4, L"HKEY_CLASSES_ROOT\\Software\\\u00c9"}, {EntryKind::kFile, 30, L"%AppData%\\x"}};
+  plugin.entries = {{EntryKind::kKey, 4, L"HKEY_CLASSES_ROOT\\Software\\\u00c9"},
+                    {EntryKind::kFile, 30, L"%AppData%\\x"}};
   const PluginDefinition back = ReadPlugin(DecodeIniBytes(EncodeUtf16Le(PluginText(plugin)), CP_ACP));
   EXPECT_EQ(back.description, plugin.description);
   EXPECT_EQ(Entries(back), Entries(plugin));

@@ -12,8 +12,14 @@ namespace {
 PluginFolders MadeUpSystem() {
   PluginFolders f;
   const std::wstring me = L"D:\\Data\\Users\\me";
-  f.tokens = {me + L"\\AppData\\Roaming", me + L"\\AppData\\Local", me + L"\\Documents", L"C:\\Program Files",
-              L"C:\\ProgramData", me, L"C:\\Windows", L"C:"};
+  f.tokens = {me + L"\\AppData\\Roaming",
+              me + L"\\AppData\\Local",
+              me + L"\\Documents",
+              L"C:\\Program Files",
+              L"C:\\ProgramData",
+              me,
+              L"C:\\Windows",
+              L"C:"};
   f.windows = L"C:\\Windows";
   f.profile = me;
   f.programFiles = {L"C:\\Program Files", L"", L"C:\\Program Files (x86)"};
@@ -97,16 +103,22 @@ TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {
       {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\Software\\A", HKEY_CURRENT_USER, L"Software\\A", L"", ""},
       {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software\\A", HKEY_USERS, L"S-1\\Software\\A", L"", ""},
       {EntryKind::kKey, L"HKEY_USERS\\Software\\A", HKEY_CURRENT_CONFIG, L"Software\\A", L"", ""},
-      {EntryKind::kKey, L"HKEY_CURRENT_CONFIG\\Software\\A", HKEY_CURRENT_USER, L"HKEY_CURRENT_CONFIG\\Software\\A", L"", ""},
+      {EntryKind::kKey, L"HKEY_CURRENT_CONFIG\\Software\\A", HKEY_CURRENT_USER, L"HKEY_CURRENT_CONFIG\\Software\\A",
+       L"", ""},
       {EntryKind::kKey, L"Software\\A/B", HKEY_CURRENT_USER, L"Software\\A/B", L"", ""},
       {EntryKind::kValue, L"HKEY_CLASSES_ROOT\\Software\\A,v,w", HKEY_CURRENT_USER, L"Software\\A", L"v,w", ""},
       {EntryKind::kValue, L"HKEY_CLASSES_ROOT\\Software\\A", HKEY_CURRENT_USER, L"Software\\A", L"", ""},
-      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\" + long_, HKEY_CURRENT_USER, long_, L"", "longer than the reader's buffer"},
-      {EntryKind::kValue, L"HKEY_CLASSES_ROOT\\A\x01\\B,v", HKEY_CURRENT_USER, L"A\x01\\B", L"v", "characters no key path may hold"},
+      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\" + long_, HKEY_CURRENT_USER, long_, L"",
+       "longer than the reader's buffer"},
+      {EntryKind::kValue, L"HKEY_CLASSES_ROOT\\A\x01\\B,v", HKEY_CURRENT_USER, L"A\x01\\B", L"v",
+       "characters no key path may hold"},
       {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\", HKEY_CURRENT_USER, L"", L"", "a root key itself"},
-      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\Software\\", HKEY_CURRENT_USER, L"Software\\", L"", "a whole hive or top-level key"},
-      {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software", HKEY_USERS, L"S-1\\Software", L"", "a whole hive or top-level key"},
-      {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software\\Classes", HKEY_USERS, L"S-1\\Software\\Classes", L"", "a key Windows shares with every program"},
+      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\Software\\", HKEY_CURRENT_USER, L"Software\\", L"",
+       "a whole hive or top-level key"},
+      {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software", HKEY_USERS, L"S-1\\Software", L"",
+       "a whole hive or top-level key"},
+      {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software\\Classes", HKEY_USERS, L"S-1\\Software\\Classes", L"",
+       "a key Windows shares with every program"},
   };
   std::set<std::string_view> seen;
   for (const auto& c : cases) {
@@ -121,9 +133,13 @@ TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {
 }
 
 TEST(PluginTargetsTest, WildcardsMatchLongNamesOnly) {
-  for (const auto& [name, pattern, match] :
-       {std::tuple{L"a.log", L"*.log", true}, {L"A.LOG", L"*.log", true}, {L"a.logx", L"*.log", false},
-        {L"readme", L"*.*", true}, {L"ab", L"a?", true}, {L"a", L"a?", false}, {L"x.tmp.log", L"*.t*g", true}}) {
+  for (const auto& [name, pattern, match] : {std::tuple{L"a.log", L"*.log", true},
+                                             {L"A.LOG", L"*.log", true},
+                                             {L"a.logx", L"*.log", false},
+                                             {L"readme", L"*.*", true},
+                                             {L"ab", L"a?", true},
+                                             {L"a", L"a?", false},
+                                             {L"x.tmp.log", L"*.t*g", true}}) {
     EXPECT_EQ(MatchesPattern(name, pattern), match) << name << L" " << pattern;
   }
 }

@@ -23,36 +23,46 @@ namespace {
 // download may hold. What a scan and a clean must find is spelt out below.
 class PlantedPlugins {
  public:
-  static constexpr int kPlugins = 5;       // the folder named like one is none
-  static constexpr int kScanItems = 11;    // two keys, three values (their key opens), six files
-  static constexpr int kCleanItems = 10;   // the value that is not there is not counted
+  static constexpr int kPlugins = 5;      // the folder named like one is none
+  static constexpr int kScanItems = 11;   // two keys, three values (their key opens), six files
+  static constexpr int kCleanItems = 10;  // the value that is not there is not counted
   static constexpr float kBytes = 100 + 200 + 300 + 400 + 500 + 50;
 
   PlantedPlugins(const std::wstring& installRoot, const std::wstring& tag)
-      : plugins_(installRoot + L"\\plugins"), targets_(ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\" + tag),
-        canaryDir_(tag + L"-canary"), canary_(canaryDir_.path()), keys_(tag) {
+      : plugins_(installRoot + L"\\plugins"),
+        targets_(ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\" + tag),
+        canaryDir_(tag + L"-canary"),
+        canary_(canaryDir_.path()),
+        keys_(tag) {
     RemoveTree(targets_);
     for (const wchar_t* sub : {L"k1\\sub", L"k2", L"k3", L"k131", L"vals", L"keep"}) {
       UniqueRegKey key;
       ::RegCreateKeyExW(keys_.key(), sub, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(), nullptr);
       for (const wchar_t* name : {L"", L"v1", L"other"}) ::RegSetValueExW(key.get(), name, 0, REG_SZ, nullptr, 0);
     }
-    for (const auto& [path, size] : {std::pair{L"single.dat", 100}, {L"logs\\a.log", 200}, {L"logs\\b.log", 300},
-                                     {L"logs\\keep.txt", 7}, {L"logs\\sub.log\\inner.log", 9}, {L"cache\\x.bin", 400},
-                                     {L"cache\\deep\\y.bin", 500}, {L"cache\\ro.bin", 50}, {L"keep\\file.txt", 11}}) {
+    for (const auto& [path, size] : {std::pair{L"single.dat", 100},
+                                     {L"logs\\a.log", 200},
+                                     {L"logs\\b.log", 300},
+                                     {L"logs\\keep.txt", 7},
+                                     {L"logs\\sub.log\\inner.log", 9},
+                                     {L"cache\\x.bin", 400},
+                                     {L"cache\\deep\\y.bin", 500},
+                                     {L"cache\\ro.bin", 50},
+                                     {L"keep\\file.txt", 11}}) {
       MakeDirs(target(path).substr(0, target(path).rfind(L'\\')));
       WriteFileBytes(target(path), std::string(static_cast<size_t>(size), 'p'));
     }
     ::SetFileAttributesW(target(L"cache\\ro.bin").c_str(), FILE_ATTRIBUTE_READONLY);
-    ok_ = MakeUnixSymlink(canary_.root(), target(L"via-link")) && MakeUnixSymlink(canary_.root(), target(L"cache\\link"));
+    ok_ =
+        MakeUnixSymlink(canary_.root(), target(L"via-link")) && MakeUnixSymlink(canary_.root(), target(L"cache\\link"));
 
     const std::wstring t = L"%LocalAppData%\\" + tag + L"\\", k = L"HKEY_CLASSES_ROOT\\" + keys_.path() + L"\\";
-    const std::wstring a = L"[Info]\r\nDescription=Walk\r\nDelRegKey2=" + k + L"k1\r\nDelRegKey3=HKEY_LOCAL_MACHINE\\" +
-                           UserHive() + L"\\" + keys_.path() + L"\\k2\r\nDelRegKey4=HKEY_CURRENT_USER\\" + keys_.path() +
-                           L"\\k3\r\nDelRegKey131=" + k + L"k131\r\nDelRegValue1=" + k + L"vals,v1\r\nDelRegValue2=" + k +
-                           L"vals\r\nDelRegValue3=" + k + L"vals,missing\r\nDeleteFile2=" + t + L"single.dat\r\nDeleteFile5=" +
-                           t + L"logs\\*.log\r\nDeleteFile7=" + t + L"cache\r\nDeleteFile9=" + t +
-                           L"via-link\\*.*\r\nDeleteFile30=" + t + L"absent.txt\r\n";
+    const std::wstring a =
+        L"[Info]\r\nDescription=Walk\r\nDelRegKey2=" + k + L"k1\r\nDelRegKey3=HKEY_LOCAL_MACHINE\\" + UserHive() +
+        L"\\" + keys_.path() + L"\\k2\r\nDelRegKey4=HKEY_CURRENT_USER\\" + keys_.path() + L"\\k3\r\nDelRegKey131=" + k +
+        L"k131\r\nDelRegValue1=" + k + L"vals,v1\r\nDelRegValue2=" + k + L"vals\r\nDelRegValue3=" + k +
+        L"vals,missing\r\nDeleteFile2=" + t + L"single.dat\r\nDeleteFile5=" + t + L"logs\\*.log\r\nDeleteFile7=" + t +
+        L"cache\r\nDeleteFile9=" + t + L"via-link\\*.*\r\nDeleteFile30=" + t + L"absent.txt\r\n";
     MakeDirs(plugins_ + L"\\x.cv");
     WriteFileBytes(plugins_ + L"\\a.cv", EncodeUtf16Le(a));
     ::SetFileAttributesW((plugins_ + L"\\a.cv").c_str(), FILE_ATTRIBUTE_READONLY);
@@ -132,8 +142,8 @@ TEST(PluginWalkTest, ScanCountsAndCleanTakesWhatThePluginsName) {
   RunPlugins(TestContext(Mode::kErase, 2, L"", root.path()));
   EXPECT_EQ(g_totals.pluginItems.get() - scanned.items, PlantedPlugins::kCleanItems);
   EXPECT_EQ(g_totals.pluginBytes.get() - scanned.bytes, PlantedPlugins::kBytes);
-  for (const wchar_t* gone : {L"single.dat", L"logs\\a.log", L"logs\\b.log", L"cache\\x.bin", L"cache\\deep",
-                              L"cache\\ro.bin"}) {
+  for (const wchar_t* gone :
+       {L"single.dat", L"logs\\a.log", L"logs\\b.log", L"cache\\x.bin", L"cache\\deep", L"cache\\ro.bin"}) {
     EXPECT_FALSE(PathExists(planted.target(gone))) << gone;
   }
   // Not matched, a matching folder, a link that keeps its folder, refused or unread entries.
@@ -172,8 +182,8 @@ TEST(PluginWalkTest, FullScanAndCleanThroughTheWorker) {
   worker.Send(2087);
   scan = worker.WaitForCopyData(kScanPlugins);
   ASSERT_TRUE(scan);
-  EXPECT_EQ(scan->text, PluginScanText(PlantedPlugins::kScanItems + PlantedPlugins::kCleanItems + 3,
-                                       2 * PlantedPlugins::kBytes));
+  EXPECT_EQ(scan->text,
+            PluginScanText(PlantedPlugins::kScanItems + PlantedPlugins::kCleanItems + 3, 2 * PlantedPlugins::kBytes));
 }
 
 }  // namespace

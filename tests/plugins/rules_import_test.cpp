@@ -10,7 +10,8 @@ namespace scourel {
 namespace {
 
 // Written by hand in the community format.
-constexpr wchar_t kSample[] = LR"(; sample rules
+constexpr wchar_t kSample[] =
+    LR"(; sample rules
 [Foo Player *]
 LangSecRef=3023
 Detect=HKCU\Software\FooPlayer
@@ -38,7 +39,8 @@ RegKey1=HKCU\Software\FooPlayer2
 
 std::wstring Summary(const ImportedSection& section) {
   std::wstring out;
-  for (const ImportedPlugin& plugin : section.plugins) out += L"[" + plugin.fileName + L"]" + PluginText(plugin.definition);
+  for (const ImportedPlugin& plugin : section.plugins)
+    out += L"[" + plugin.fileName + L"]" + PluginText(plugin.definition);
   out += L"skipped:";
   for (const SkippedRule& skipped : section.skipped) out += L" " + skipped.key;
   return out;
@@ -48,22 +50,26 @@ TEST(RulesImportTest, ConvertsWhatAPluginDoesAlikeAndListsTheRest) {
   const auto sections = ImportRules(kSample, SystemPluginFolders());
   ASSERT_EQ(sections.size(), 3u);
   EXPECT_EQ(Summary(sections[0]),
-            L"[Foo Player]" + PluginText({true, L"Foo Player *", {
-                {EntryKind::kKey, 1, L"HKEY_CLASSES_ROOT\\Software\\FooPlayer\\Recent"},
-                {EntryKind::kKey, 2, L"HKEY_LOCAL_MACHINE\\.DEFAULT\\Software\\FooPlayer"},
-                {EntryKind::kValue, 1, L"HKEY_CLASSES_ROOT\\Software\\FooPlayer,LastFolder"},
-                {EntryKind::kFile, 1, L"%LocalAppData%\\FooPlayer\\Cache"},
-                {EntryKind::kFile, 2, L"%AppData%\\FooPlayer\\*.log"},
-                {EntryKind::kFile, 3, L"%AppData%\\FooPlayer\\history.dat"}}}) +
+            L"[Foo Player]" +
+                PluginText({true,
+                            L"Foo Player *",
+                            {{EntryKind::kKey, 1, L"HKEY_CLASSES_ROOT\\Software\\FooPlayer\\Recent"},
+                             {EntryKind::kKey, 2, L"HKEY_LOCAL_MACHINE\\.DEFAULT\\Software\\FooPlayer"},
+                             {EntryKind::kValue, 1, L"HKEY_CLASSES_ROOT\\Software\\FooPlayer,LastFolder"},
+                             {EntryKind::kFile, 1, L"%LocalAppData%\\FooPlayer\\Cache"},
+                             {EntryKind::kFile, 2, L"%AppData%\\FooPlayer\\*.log"},
+                             {EntryKind::kFile, 3, L"%AppData%\\FooPlayer\\history.dat"}}}) +
                 L"skipped: Detect DetectFile FileKey3 FileKey4 FileKey5 FileKey6 FileKey7 FileKey8 RegKey3 Warning");
   EXPECT_EQ(sections[0].skipped[6].reason, "the worker refuses it: the Windows folder or what lies directly in it");
-  EXPECT_EQ(Summary(sections[1]), L"[Bar Editor]" +
-                                      PluginText({true, L"Bar Editor *", {{EntryKind::kKey, 1, L"HKEY_USERS\\Software\\Bar\\MRU"}}}) +
-                                      L"skipped: ExcludeKey1 FileKey1");
+  EXPECT_EQ(Summary(sections[1]),
+            L"[Bar Editor]" +
+                PluginText({true, L"Bar Editor *", {{EntryKind::kKey, 1, L"HKEY_USERS\\Software\\Bar\\MRU"}}}) +
+                L"skipped: ExcludeKey1 FileKey1");
   EXPECT_EQ(sections[2].plugins.at(0).fileName, L"Foo Player [2]");  // names stay unique
 
   std::wstring big = L"[Big]\n";
-  for (int i = 1; i <= 31; ++i) big += L"FileKey" + std::to_wstring(i) + L"=%AppData%\\Big|f" + std::to_wstring(i) + L".tmp\n";
+  for (int i = 1; i <= 31; ++i)
+    big += L"FileKey" + std::to_wstring(i) + L"=%AppData%\\Big|f" + std::to_wstring(i) + L".tmp\n";
   const auto split = ImportRules(big, SystemPluginFolders());
   ASSERT_EQ(split.at(0).plugins.size(), 2u);
   EXPECT_EQ(split[0].plugins[0].definition.entries.size(), 30u);
