@@ -6,6 +6,8 @@
 
 #include <set>
 
+#include "common/registry_paths.h"
+
 namespace scourel {
 namespace {
 
@@ -91,41 +93,38 @@ TEST(PluginTargetsTest, FileEntriesAndEveryRefusal) {
   EXPECT_TRUE(File(L"%AppData%\\Foo\\*.log").file.wildcard);
 }
 
+// The key an entry opens as "root\subkey,value name".
+std::wstring Opened(const RegistryTarget& target) {
+  return RootKeyName(target.root) + L"\\" + target.subkey + L"," + target.valueName;
+}
+
 TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {
+  const std::wstring cu = L"HKEY_CURRENT_USER\\", cr = L"HKEY_CLASSES_ROOT\\", lm = L"HKEY_LOCAL_MACHINE\\";
   const std::wstring long_(1000, L'k');
   const struct {
     EntryKind kind;
-    std::wstring value;
-    HKEY root;
-    std::wstring subkey, valueName;
+    std::wstring value, opened;
     std::string_view refusal;
   } cases[] = {
-      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\Software\\A", HKEY_CURRENT_USER, L"Software\\A", L"", ""},
-      {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software\\A", HKEY_USERS, L"S-1\\Software\\A", L"", ""},
-      {EntryKind::kKey, L"HKEY_USERS\\Software\\A", HKEY_CURRENT_CONFIG, L"Software\\A", L"", ""},
-      {EntryKind::kKey, L"HKEY_CURRENT_CONFIG\\Software\\A", HKEY_CURRENT_USER, L"HKEY_CURRENT_CONFIG\\Software\\A",
-       L"", ""},
-      {EntryKind::kKey, L"Software\\A/B", HKEY_CURRENT_USER, L"Software\\A/B", L"", ""},
-      {EntryKind::kValue, L"HKEY_CLASSES_ROOT\\Software\\A,v,w", HKEY_CURRENT_USER, L"Software\\A", L"v,w", ""},
-      {EntryKind::kValue, L"HKEY_CLASSES_ROOT\\Software\\A", HKEY_CURRENT_USER, L"Software\\A", L"", ""},
-      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\" + long_, HKEY_CURRENT_USER, long_, L"",
-       "longer than the reader's buffer"},
-      {EntryKind::kValue, L"HKEY_CLASSES_ROOT\\A\x01\\B,v", HKEY_CURRENT_USER, L"A\x01\\B", L"v",
-       "characters no key path may hold"},
-      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\", HKEY_CURRENT_USER, L"", L"", "a root key itself"},
-      {EntryKind::kKey, L"HKEY_CLASSES_ROOT\\Software\\", HKEY_CURRENT_USER, L"Software\\", L"",
-       "a whole hive or top-level key"},
-      {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software", HKEY_USERS, L"S-1\\Software", L"",
-       "a whole hive or top-level key"},
-      {EntryKind::kKey, L"HKEY_LOCAL_MACHINE\\S-1\\Software\\Classes", HKEY_USERS, L"S-1\\Software\\Classes", L"",
+      {EntryKind::kKey, cr + L"Software\\A", cu + L"Software\\A,", ""},
+      {EntryKind::kKey, lm + L"S-1\\Software\\A", L"HKEY_USERS\\S-1\\Software\\A,", ""},
+      {EntryKind::kKey, L"HKEY_USERS\\Software\\A", L"HKEY_CURRENT_CONFIG\\Software\\A,", ""},
+      {EntryKind::kKey, L"HKEY_CURRENT_CONFIG\\Software\\A", cu + L"HKEY_CURRENT_CONFIG\\Software\\A,", ""},
+      {EntryKind::kKey, L"Software\\A/B", cu + L"Software\\A/B,", ""},
+      {EntryKind::kValue, cr + L"Software\\A,v,w", cu + L"Software\\A,v,w", ""},
+      {EntryKind::kValue, cr + L"Software\\A", cu + L"Software\\A,", ""},
+      {EntryKind::kKey, cr + long_, cu + long_ + L",", "longer than the reader's buffer"},
+      {EntryKind::kValue, cr + L"A\x01\\B,v", cu + L"A\x01\\B,v", "characters no key path may hold"},
+      {EntryKind::kKey, cr, cu + L",", "a root key itself"},
+      {EntryKind::kKey, cr + L"Software\\", cu + L"Software\\,", "a whole hive or top-level key"},
+      {EntryKind::kKey, lm + L"S-1\\Software", L"HKEY_USERS\\S-1\\Software,", "a whole hive or top-level key"},
+      {EntryKind::kKey, lm + L"S-1\\Software\\Classes", L"HKEY_USERS\\S-1\\Software\\Classes,",
        "a key Windows shares with every program"},
   };
   std::set<std::string_view> seen;
   for (const auto& c : cases) {
     const EntryTarget target = ResolveEntry({c.kind, 1, c.value}, {});
-    EXPECT_EQ(target.registry.root, c.root) << c.value;
-    EXPECT_EQ(target.registry.subkey, c.subkey) << c.value;
-    EXPECT_EQ(target.registry.valueName, c.valueName) << c.value;
+    EXPECT_EQ(Opened(target.registry), c.opened);
     EXPECT_EQ(target.refusal, c.refusal) << c.value;
     seen.insert(target.refusal);
   }
@@ -133,13 +132,9 @@ TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {
 }
 
 TEST(PluginTargetsTest, WildcardsMatchLongNamesOnly) {
-  for (const auto& [name, pattern, match] : {std::tuple{L"a.log", L"*.log", true},
-                                             {L"A.LOG", L"*.log", true},
-                                             {L"a.logx", L"*.log", false},
-                                             {L"readme", L"*.*", true},
-                                             {L"ab", L"a?", true},
-                                             {L"a", L"a?", false},
-                                             {L"x.tmp.log", L"*.t*g", true}}) {
+  for (const auto& [name, pattern, match] :
+       {std::tuple{L"a.log", L"*.log", true}, {L"A.LOG", L"*.log", true}, {L"a.logx", L"*.log", false},
+        {L"readme", L"*.*", true}, {L"ab", L"a?", true}, {L"a", L"a?", false}, {L"x.tmp.log", L"*.t*g", true}}) {
     EXPECT_EQ(MatchesPattern(name, pattern), match) << name << L" " << pattern;
   }
 }
