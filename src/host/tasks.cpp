@@ -137,7 +137,7 @@ void RecycleBinTask(TaskThread& thread) {
 
 template <int Set>
 void PluginCleanTask(TaskThread& thread) {
-  CleanPlugins(ContextFor(thread, Mode::kErase, g_wipeMethod.get()));
+  RunPlugins(ContextFor(thread, Mode::kErase, g_wipeMethod.get()));
   if (Set == kFirstSet) {
     Complete(thread, Task::kPluginClean, Set);
     return;
@@ -209,7 +209,7 @@ void FullScanTask(TaskThread& thread) {
   totals.recycleBinItems.set(0);
   totals.recycleBinBytes.set(0.0f);
 
-  ScanPlugins(context);
+  RunPlugins(context);
   if (thread.stopped()) return;
   SendCopyData(kScanPlugins, PluginScanText(totals.pluginItems.get(), totals.pluginBytes.get()), &thread);
 

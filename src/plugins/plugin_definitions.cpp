@@ -1,9 +1,141 @@
 #include "plugins/plugin_definitions.h"
 
+#include "common/registry_key.h"
+#include "plugins/plugin_files.h"
+#include "task/folder_walk.h"
+#include "task/trace_file.h"
+
 namespace scourel {
 
-// Plug-in files are not read yet; their totals stay as they are.
-void CleanPlugins(const TaskContext&) {}
-void ScanPlugins(const TaskContext&) {}
+namespace {
+
+// Files in a folder entry or matched by a wildcard are taken as the listing
+// shows them; a file named alone must first open for reading.
+constexpr TraceRule kListedFile{Probe::kNone, SizeFrom::kListing};
+constexpr TraceRule kNamedFile{Probe::kRead, SizeFrom::kReadOpen};
+
+bool IsLink(DWORD attributes) {
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
+}
+
+class PluginWalk {
+ public:
+  PluginWalk(const TaskContext& context, PluginFolders folders) : context_(context), folders_(std::move(folders)) {}
+
+  void Run(const PluginDefinition& plugin) {
+    Relaxed<std::int32_t> items;
+    for (const PluginEntry& entry : plugin.entries) {
+      if (context_.stopped()) return;
+      const EntryTarget target = ResolveEntry(entry, folders_);
+      if (!target.refusal.empty()) continue;
+      const Tally tally{items, context_.totals.pluginBytes};
+      switch (entry.kind) {
+        case EntryKind::kKey: Key(target.registry, tally); break;
+        case EntryKind::kValue: Value(target.registry, tally); break;
+        case EntryKind::kFile: File(target.file, tally); break;
+      }
+    }
+    if (!context_.stopped()) context_.totals.pluginItems.add(items.get());
+  }
+
+ private:
+  void Key(const RegistryTarget& target, Tally tally) {
+    if (!OpenRegKey(target.root, target.subkey, KEY_ALL_ACCESS)) return;
+    if (context_.erasing()) ::SHDeleteKeyW(target.root, target.subkey.c_str());
+    tally.count.add(1);
+  }
+
+  void Value(const RegistryTarget& target, Tally tally) {
+    const OpenedKey key = OpenRegKey(target.root, target.subkey, KEY_ALL_ACCESS);
+    if (!key) return;
+    // The scan does not look the value up; the clean counts only what it deleted.
+    if (!context_.erasing() || ::RegDeleteValueW(key.get(), target.valueName.c_str()) == ERROR_SUCCESS) {
+      tally.count.add(1);
+    }
+  }
+
+  // Nothing is followed through a link: a path that passes through one below
+  // its token's folder is skipped whole, so a link cannot carry a plug-in
+  // into a folder the refusal rules keep it out of.
+  static bool PassesThroughLink(const FileTarget& target) {
+    for (size_t at = target.path.find(L'\\', target.baseLength + 1); at != std::wstring::npos;
+         at = target.path.find(L'\\', at + 1)) {
+      if (IsLink(::GetFileAttributesW(target.path.substr(0, at).c_str()))) return true;
+    }
+    return false;
+  }
+
+  void File(const FileTarget& target, Tally tally) {
+    if (PassesThroughLink(target)) return;
+    if (target.wildcard) {
+      Matches(target.path, tally);
+      return;
+    }
+    const DWORD attributes = ::GetFileAttributesW(target.path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || IsLink(attributes)) return;
+    if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
+      Folder(target.path, tally);
+      Remove(target.path, attributes);
+      return;
+    }
+    TakeTraceFile(context_, TraceFile{target.path, 0, attributes}, kNamedFile, tally);
+  }
+
+  // Only the files of the pattern's own folder, each shredded with the task's
+  // wipe method like a file named alone: a matching subfolder is neither
+  // counted nor entered, so "*.*" empties one folder and no more.
+  void Matches(const std::wstring& pattern, Tally tally) {
+    const size_t slash = pattern.rfind(L'\\');
+    const std::wstring folder = pattern.substr(0, slash);
+    const std::wstring_view spec = std::wstring_view(pattern).substr(slash + 1);
+    ForEachEntry(context_, pattern, [&](const WIN32_FIND_DATAW& entry) {
+      // The listing matches short names too; the name itself must match.
+      if (IsFolder(entry) || IsReparsePoint(entry) || !MatchesPattern(entry.cFileName, spec)) return;
+      TakeTraceFile(context_, FromListing(folder + L"\\" + entry.cFileName, entry), kListedFile, tally);
+    });
+  }
+
+  // A folder entry goes with everything in it, each file shredded. A link
+  // inside is neither entered nor removed, and keeps its folders in place.
+  void Folder(const std::wstring& folder, Tally tally) {
+    ForEachEntry(context_, folder + L"\\*", [&](const WIN32_FIND_DATAW& entry) {
+      if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
+      const std::wstring path = folder + L"\\" + entry.cFileName;
+      if (IsFolder(entry)) {
+        Folder(path, tally);
+        Remove(path, entry.dwFileAttributes);
+        return;
+      }
+      TakeTraceFile(context_, FromListing(path, entry), kListedFile, tally);
+    });
+  }
+
+  // Succeeds only for a folder left empty.
+  void Remove(const std::wstring& folder, DWORD attributes) {
+    if (!context_.erasing() || context_.stopped()) return;
+    if (attributes & FILE_ATTRIBUTE_READONLY) {
+      ::SetFileAttributesW(folder.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
+    }
+    ::RemoveDirectoryW(folder.c_str());
+  }
+
+  const TaskContext& context_;
+  const PluginFolders folders_;
+};
+
+}  // namespace
+
+int RunPlugins(const TaskContext& context) {
+  if (context.installRoot.empty()) return -1;
+  const std::wstring folder = PluginsFolder(context.installRoot);
+  const std::vector<std::wstring> names = PluginNames(folder, true);
+  PluginWalk walk(context, SystemPluginFolders());
+  for (const std::wstring& name : names) {
+    if (context.stopped()) break;
+    const LoadedPlugin plugin = LoadPlugin(folder, name);
+    if (plugin.status == LoadStatus::kRead) walk.Run(plugin.definition);
+  }
+  return static_cast<int>(names.size());
+}
 
 }  // namespace scourel

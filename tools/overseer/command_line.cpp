@@ -105,6 +105,8 @@ std::string CommandName(Verb verb, const p::TaskSpec* task) {
       return "close";
     case Verb::kSettings:
       return "settings";
+    case Verb::kPlugins:
+      return "plugins";
     case Verb::kClean:
       verbName = "clean";
       break;
@@ -122,6 +124,7 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   ParseResult result;
   Options options;
   std::vector<std::string> words;
+  std::vector<std::wstring> wideWords;  // file names keep every character
   auto refuse = [&result](std::string message) {
     result.error = std::move(message);
     return result;
@@ -131,6 +134,7 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     const std::string arg = Narrow(args[i]);
     if (arg.rfind("--", 0) != 0) {
       words.push_back(arg);
+      wideWords.push_back(args[i]);
       continue;
     }
     std::string name = arg;
@@ -194,7 +198,8 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     }
   }
 
-  if (words.empty()) return refuse("no command given: valid commands are scan, clean, fix, stop, close, settings");
+  constexpr std::string_view kCommands = "valid commands are scan, clean, fix, stop, close, settings, plugins";
+  if (words.empty()) return refuse("no command given: " + std::string(kCommands));
   const std::string& verb = words[0];
   auto needTarget = [&](Verb v) -> std::optional<std::string> {
     options.verb = v;
@@ -215,6 +220,15 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     options.verb = Verb::kClose;
   } else if (verb == "settings") {
     options.verb = Verb::kSettings;
+  } else if (verb == "plugins") {
+    options.verb = Verb::kPlugins;
+    options.pluginImport = words.size() > 1 && words[1] == "import";
+    used = options.pluginImport ? 3 : 2;
+    if (words.size() < 2 || (words[1] != "list" && !options.pluginImport)) {
+      return refuse("plugins needs list or import FILE.ini");
+    }
+    if (options.pluginImport && words.size() < 3) return refuse("plugins import needs a rules file");
+    if (options.pluginImport) options.rulesFile = wideWords[2];
   } else if (verb == "clean") {
     targetError = needTarget(Verb::kClean);
     used = 2;
@@ -225,7 +239,7 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     targetError = needTarget(Verb::kStop);
     used = 2;
   } else {
-    return refuse("unknown command \"" + verb + "\": valid commands are scan, clean, fix, stop, close, settings");
+    return refuse("unknown command \"" + verb + "\": " + std::string(kCommands));
   }
   if (targetError) return refuse(*targetError);
   if (words.size() > used)
@@ -256,6 +270,8 @@ std::string UsageText() {
          "\n"
          "  close                      ends the running worker\n"
          "  settings                   writes the settings options only; sends nothing\n"
+         "  plugins list               lists the worker's plug-ins and the entries it refuses\n"
+         "  plugins import FILE.ini    converts winapp2.ini-format rules into plug-ins\n"
          "\n"
          "Options:\n"
          "  --worker PATH      scourel.exe to start (default: beside overseer.exe); a running\n"

@@ -14,7 +14,7 @@
 
 namespace overseer {
 
-enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings };
+enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings, kPlugins };
 
 // Option names of the switches, in the order of the worker's settings keys.
 // The browser and registry names double as the reply field names.
@@ -40,6 +40,8 @@ struct Options {
   std::optional<std::vector<bool>> browser;   // kBrowserNames order
   std::optional<std::vector<bool>> pc;        // kPcNames order
   std::optional<std::vector<bool>> registry;  // kRegistryNames order
+  bool pluginImport = false;  // plugins: import (else list)
+  std::wstring rulesFile;     // plugins import: the rules file
 };
 
 struct ParseResult {

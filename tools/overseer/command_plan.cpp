@@ -17,6 +17,7 @@ std::optional<CommandPlan> PlanFor(const Options& options) {
   CommandPlan plan;
   switch (options.verb) {
     case Verb::kSettings:
+    case Verb::kPlugins:
       return std::nullopt;
     case Verb::kScan:
       plan.message = p::SpecOf(p::Task::kFullScan).sets[p::kFirstSet].start;

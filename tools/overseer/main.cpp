@@ -9,8 +9,10 @@
 #include "overseer/command_line.h"
 #include "overseer/command_plan.h"
 #include "overseer/controller_session.h"
+#include "overseer/plugin_commands.h"
 #include "overseer/report_output.h"
 #include "overseer/settings_writer.h"
+#include "plugins/plugin_files.h"
 
 using namespace overseer;
 
@@ -62,6 +64,21 @@ int wmain(int argc, wchar_t** argv) {
     return 2;
   }
   const Options& options = *parsed.options;
+  if (options.verb == Verb::kPlugins) {
+    // Plug-in files are read and written beside the worker; none is started.
+    const std::wstring worker = FullPath(options.workerPath.empty() ? DefaultWorkerPath() : options.workerPath);
+    const auto root = InstallRootOf(worker);
+    if (!root) {
+      PrintError("cannot tell the worker's install root from \"" + Utf8(worker) + "\"");
+      return 1;
+    }
+    const std::wstring folder = scourel::PluginsFolder(*root);
+    const PluginCommandResult result =
+        options.pluginImport ? ImportRulesFile(options.rulesFile, folder) : ListPluginFiles(folder);
+    Print(result.out);
+    if (!result.error.empty()) PrintError(result.error);
+    return result.exitCode;
+  }
   const unsigned timeoutMs = options.timeoutSeconds * 1000;
   const auto plan = PlanFor(options);
 
