@@ -45,6 +45,11 @@ std::string Padded(std::string text, size_t width) {
   return text;
 }
 
+std::string Line(std::string text) {
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text + "\n";
+}
+
 }  // namespace
 
 std::optional<BrowserRows> MeasureBrowserRows(const Options& options, const std::wstring& workerPath) {
@@ -86,14 +91,14 @@ std::string BrowserRowsTable(const BrowserRows& rows) {
   for (p::BrowserCategory category : rows.categories) {
     header += Padded(std::string(p::kBrowserCategoryNames[static_cast<int>(category)]), 18);
   }
-  out += header + "\n";
+  out += Line(header);
   for (int b = 0; b < p::kBrowserCount; ++b) {
     std::string line = Padded("", 10) + Padded(std::string(p::kBrowserNames[b]), 20);
     for (p::BrowserCategory category : rows.categories) {
       const int c = static_cast<int>(category);
       line += Padded(Cell(rows.counts[b][c], rows.bytes[b][c]), 18);
     }
-    out += line + "\n";
+    out += Line(line);
   }
   return out;
 }
