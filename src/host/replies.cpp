@@ -50,8 +50,9 @@ std::wstring BrowserTotalsText() {
   std::array<std::int32_t, protocol::kBrowserCategoryCount> counts{};
   std::array<float, protocol::kBrowserCategoryCount> bytes{};
   for (int i = 0; i < protocol::kBrowserCategoryCount; ++i) {
-    counts[i] = g_totals.browserCounts[i].get();
-    bytes[i] = g_totals.browserBytes[i].get();
+    const auto category = static_cast<protocol::BrowserCategory>(i);
+    counts[i] = g_totals.browser.CategoryCount(category);
+    bytes[i] = g_totals.browser.CategoryBytes(category);
   }
   return BrowserText(counts, bytes);
 }

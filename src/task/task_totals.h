@@ -22,6 +22,32 @@ struct CountAndBytes {
   Tally tally() { return {count, bytes}; }
 };
 
+// The browser cleaners' totals: a count and a byte total for every browser
+// and category, the pair one location fills before it is added to its
+// browser's cell, and the counters a few categories keep beside the grid.
+struct BrowserTotals {
+  CountAndBytes cells[protocol::kBrowserCount][protocol::kBrowserCategoryCount];
+  CountAndBytes current;  // the location being visited
+  Relaxed<std::int32_t> ieCookieEntries;
+  Relaxed<std::int32_t> firefoxOfflineCache;
+  Relaxed<std::int32_t> icons;
+
+  CountAndBytes& cell(protocol::Browser browser, protocol::BrowserCategory category) {
+    return cells[static_cast<int>(browser)][static_cast<int>(category)];
+  }
+  const CountAndBytes& cell(protocol::Browser browser, protocol::BrowserCategory category) const {
+    return cells[static_cast<int>(browser)][static_cast<int>(category)];
+  }
+  // What the replies carry for a category: the browsers' counts summed (a
+  // 32-bit counter that wraps) and their bytes summed in float.
+  std::int32_t CategoryCount(protocol::BrowserCategory category) const;
+  float CategoryBytes(protocol::BrowserCategory category) const;
+  void ZeroCurrent();
+  // Adds the current-location pair to a cell; the pair keeps its value.
+  void AddCurrentTo(protocol::Browser browser, protocol::BrowserCategory category);
+  void Reset();
+};
+
 struct TaskTotals {
   Relaxed<float> byteTotal;
   // Documents, run history, find files, clipboard, network, scan-disk files,
@@ -35,9 +61,7 @@ struct TaskTotals {
   Relaxed<float> pluginBytes;
   // In the order of the registry switches (protocol::kRegistrySwitches).
   Relaxed<std::int32_t> registry[protocol::kRegistrySwitchCount];
-  // In the order of the browser switches.
-  Relaxed<std::int32_t> browserCounts[protocol::kBrowserCategoryCount];
-  Relaxed<float> browserBytes[protocol::kBrowserCategoryCount];
+  BrowserTotals browser;
 
   Tally byteTotalWith(Relaxed<std::int32_t>& counter) { return {counter, byteTotal}; }
   Relaxed<std::int32_t>& pc(protocol::PcStep step) { return pcTraces[protocol::CounterOf(step)]; }

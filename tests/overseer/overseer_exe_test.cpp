@@ -7,6 +7,7 @@
 
 #include "task/settings.h"
 #include "overseer_runner.h"
+#include "support/browser_fixture.h"
 #include "support/fixtures.h"
 
 namespace scourel::test {
@@ -66,6 +67,29 @@ TEST(OverseerExeTest, CleanWritesSettingsThenWaitsForItsReply) {
   EXPECT_EQ(worker.Setting(L"IDS_OCACHE"), L"FALSE");
   EXPECT_EQ(worker.Setting(L"IDS_CACHE"), L"");
   EXPECT_NE(run.out.find("{\"message\": 2071"), npos) << run.out;
+}
+
+// The worker sends one total per category; overseer's own rows say which
+// browser holds what, as a scan counts it, before the worker acts.
+TEST(OverseerExeTest, ScanAndBrowserCleanShowPerBrowserRows) {
+  const WineVersionOf overseerTold(L"overseer.exe", L"win7"), workerTold(L"scourel.exe", L"win7");
+  // Both look up the Firefox profile's name from the worker's folder: no Safari.
+  BrowserFixture fixture({.extraProfile = false, .safariGate = false});
+  Installed worker(L"overseer-browser-rows");
+  const auto cache = protocol::BrowserCategory::kCache;
+  const std::string chrome = std::to_string(fixture.Of(protocol::Browser::kChrome, cache, Mode::kMeasure).count);
+
+  OverseerRun run = RunOverseer(worker.Worker(L"--json --timeout 60 scan"));
+  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_NE(run.out.find("\"browser_rows\": {\"measured_by\": \"overseer\""), npos) << run.out;
+  EXPECT_NE(run.out.find("\"chrome\": {\"cache\": " + chrome + ", "), npos) << run.out;
+
+  run = RunOverseer(worker.Worker(L"--timeout 60 --browser cache clean browser"));
+  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_TRUE(std::regex_search(run.out, std::regex("\n {10}chrome +" + chrome + " "))) << run.out;
+  const std::string erased = std::to_string(fixture.Total(cache, Mode::kErase).count);
+  EXPECT_TRUE(std::regex_search(run.out, std::regex("cache +" + erased + " "))) << run.out;
+  EXPECT_EQ(fixture.Damage(cache, Mode::kErase), L"");
 }
 
 TEST(OverseerExeTest, AttachesToARunningWorkerStopsAndClosesIt) {

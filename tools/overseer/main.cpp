@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/win.h"
+#include "overseer/browser_rows.h"
 #include "overseer/command_line.h"
 #include "overseer/command_plan.h"
 #include "overseer/controller_session.h"
@@ -134,6 +135,10 @@ int wmain(int argc, wchar_t** argv) {
   if (!options.json) {
     Print(std::string(attached ? "worker    attached to " : "worker    started ") + Utf8(report.workerPath) + " (pid " +
           std::to_string(report.workerPid) + ")\n");
+  }
+  report.browserRows = MeasureBrowserRows(options, report.workerPath);
+  if (!options.json) {
+    if (report.browserRows) Print(BrowserRowsTable(*report.browserRows));
     Print("command   " + report.command + " (message " + std::to_string(plan->message) + ")\n");
   }
   return finish(&session, session.Run(*plan, timeoutMs));

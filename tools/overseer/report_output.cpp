@@ -122,7 +122,9 @@ std::string JsonReport(const RunReport& report) {
     out += (i ? ", " : "") + JsonString(report.settingsWritten[i].first) + ": " +
            JsonString(report.settingsWritten[i].second);
   }
-  out += "},\n  \"replies\": [";
+  out += "},\n";
+  if (report.browserRows) out += "  \"browser_rows\": " + BrowserRowsJson(*report.browserRows) + ",\n";
+  out += "  \"replies\": [";
   for (size_t i = 0; i < report.replies.size(); ++i) {
     const DecodedReply& reply = report.replies[i];
     out += i ? ",\n    {" : "\n    {";

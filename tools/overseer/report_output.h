@@ -2,10 +2,12 @@
 // document at the end for scripts. Text only; the caller writes it out.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "overseer/browser_rows.h"
 #include "overseer/reply_decoding.h"
 #include "overseer/settings_writer.h"
 
@@ -21,6 +23,7 @@ struct RunReport {
   std::vector<DecodedReply> replies;
   std::string status;  // completed, stopped, not running, failed
   std::string error;   // why it failed
+  std::optional<BrowserRows> browserRows;  // overseer's own measurement, per browser
 };
 
 std::string Utf8(std::wstring_view text);

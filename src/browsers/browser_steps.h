@@ -1,0 +1,60 @@
+// A browser category as data: its steps in order, each naming the browser
+// whose totals it fills, the condition it runs under, the folder it starts
+// from, the path below it and the treatment. One runner takes every table,
+// in either mode.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "browsers/browser_profiles.h"
+#include "browsers/location_walker.h"
+#include "protocol/categories.h"
+#include "task/task_context.h"
+
+namespace scourel {
+
+// Each condition is tested once per run of a category, when its first step
+// comes, and holds for the rest of that run.
+enum class Gate {
+  kAlways,
+  kFirefoxData,       // local "Mozilla\Firefox\Profiles\<profile>" exists
+  kFirefoxProfile,    // roaming "Mozilla\Firefox\Profiles\<profile>" exists
+  kChromeDefault,     // local "Google\Chrome\User Data\Default" exists
+  kSafariNamedProfile,  // the bare Firefox profile name exists, relative to the current directory
+  kExtraChromeProfile,  // the version searches for Chrome's extra profile
+  kOperaOld,          // the Opera layout chosen is the old one
+  kOperaNew,          // the Opera layout chosen is the new one
+};
+
+enum class Base {
+  kLocal,
+  kRoaming,
+  kFirefoxLocal,    // local "Mozilla\Firefox\Profiles\<profile>"
+  kFirefoxRoaming,  // roaming "Mozilla\Firefox\Profiles\<profile>"
+  kChromeExtra,     // what the search found; empty leads to the root of the current drive
+};
+
+struct BrowserStep {
+  protocol::Browser browser;
+  Gate gate;
+  Base base;
+  std::wstring_view path;
+  Treatment treatment;
+};
+
+struct CategorySteps {
+  protocol::BrowserCategory category;
+  std::span<const BrowserStep> steps;
+};
+
+// The steps of every category, in the order of the browser switches.
+CategorySteps StepsOf(protocol::BrowserCategory category);
+std::span<const BrowserStep> CacheSteps();
+
+// Runs one category's steps in the context's mode. Each folder location
+// starts the current-location pair at zero and adds it to its browser's cell
+// afterwards; a single file counts on the cell directly.
+void RunCategorySteps(const TaskContext& context, const CategorySteps& steps, OsVersion version);
+
+}  // namespace scourel

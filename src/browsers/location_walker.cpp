@@ -1,0 +1,84 @@
+#include "browsers/location_walker.h"
+
+#include "task/folder_walk.h"
+#include "task/trace_file.h"
+
+namespace scourel {
+
+namespace {
+
+// A browser file is taken when it opens for reading with share read: one the
+// browser holds open for writing fails and is left, uncounted.
+constexpr TraceRule kListedFile{Probe::kRead, SizeFrom::kListing};
+constexpr TraceRule kSingleFile{Probe::kRead, SizeFrom::kReadOpen};
+
+bool IsLink(const std::wstring& path) {
+  std::wstring bare = path;
+  // With its closing backslash the path would name what a link points at.
+  while (bare.size() > 3 && bare.back() == L'\\') bare.pop_back();
+  const DWORD attributes = ::GetFileAttributesW(bare.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
+}
+
+bool Takes(const FolderShape& shape, const wchar_t* name, const std::wstring& path) {
+  switch (shape.take) {
+    case FolderShape::Take::kEvery: return true;
+    case FolderShape::Take::kNameHolds: return HoldsAfterStart(name, shape.word);
+    case FolderShape::Take::kPathHolds: return HoldsAfterStart(path, shape.word);
+  }
+  return false;
+}
+
+}  // namespace
+
+FolderShape ShapeOf(Treatment treatment) {
+  using Take = FolderShape::Take;
+  switch (treatment) {
+    case Treatment::kWholeTree: return {L"*.*", Take::kEvery, {}, true, true};
+    // Matching folders are listed with the same mask and entered.
+    case Treatment::kTempFiles: return {L"*.tmp*", Take::kEvery, {}, true, true};
+    case Treatment::kJournalFiles: return {L"*.*", Take::kNameHolds, L"-journal", true, false};
+    case Treatment::kStorageFiles: return {L"*.*", Take::kNameHolds, L".localstorage", true, false};
+    case Treatment::kIndexFiles: return {L"*.*", Take::kPathHolds, L"Index", false, false};
+    case Treatment::kSingleFile: break;
+  }
+  return {};
+}
+
+bool HoldsAfterStart(std::wstring_view text, std::wstring_view word) {
+  const auto at = text.find(word);
+  return at != std::wstring_view::npos && at > 0;
+}
+
+void LocationWalker::VisitFolder(const std::wstring& folder, Treatment treatment) {
+  if (IsLink(folder)) return;
+  Walk(folder, ShapeOf(treatment));
+}
+
+void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) {
+  const Tally current = context_.totals.browser.current.tally();
+  ForEachEntry(context_, folder + std::wstring(shape.mask), [&](const WIN32_FIND_DATAW& entry) {
+    // "." and ".." name this folder and its parent, which are not this
+    // walk's to change; a link is neither entered nor taken.
+    if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
+    const std::wstring path = folder + entry.cFileName;
+    if (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {
+      ::SetFileAttributesW(path.c_str(), entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
+    }
+    if (IsFolder(entry)) {
+      if (shape.recurse) Walk(path + L"\\", shape);
+      return;
+    }
+    if (Takes(shape, entry.cFileName, path)) TakeTraceFile(context_, FromListing(path, entry), kListedFile, current);
+  });
+  // Succeeds only once the folder is empty; a failure is of no interest.
+  if (shape.removeFolders && !context_.stopped()) ::RemoveDirectoryW(folder.c_str());
+}
+
+void LocationWalker::VisitFile(const std::wstring& path, Tally tally) {
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return;
+  TakeTraceFile(context_, TraceFile{path, 0, attributes}, kSingleFile, tally);
+}
+
+}  // namespace scourel

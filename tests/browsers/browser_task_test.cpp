@@ -1,0 +1,65 @@
+// The browser task and the full scan's browser step through a real worker:
+// the ten groups the controller receives, built from every browser's cells,
+// and the Windows version the worker is told it runs on.
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "protocol/reply_text.h"
+#include "support/browser_fixture.h"
+#include "support/worker_harness.h"
+
+namespace scourel::test {
+namespace {
+
+// The text of kinds 105, 305 and 306 for what the fixture holds.
+std::wstring ExpectedText(const BrowserFixture& fixture, Mode mode) {
+  std::array<std::int32_t, protocol::kBrowserCategoryCount> counts{};
+  std::array<float, protocol::kBrowserCategoryCount> bytes{};
+  for (int c = 0; c < protocol::kBrowserCategoryCount; ++c) {
+    const Expected total = fixture.Total(static_cast<protocol::BrowserCategory>(c), mode);
+    counts[c] = total.count;
+    bytes[c] = total.bytes;
+  }
+  return BrowserText(counts, bytes);
+}
+
+TEST(BrowserTaskTest, CleanRepliesWithEveryBrowsersCachesAndStopRepeatsThem) {
+  // Windows 10 tells a program without a compatibility manifest that it runs on 6.2.
+  const WineVersionOf told(L"scourel.exe", L"win10");
+  BrowserFixture fixture;
+  WorkerHarness worker(L"browser-task");
+  ASSERT_TRUE(worker.Started());
+  worker.WriteSetting(L"IDS_CCACHE", L"TRUE");
+  worker.Send(2046);
+  const auto done = worker.WaitForCopyData(305);
+  ASSERT_TRUE(done);
+  EXPECT_EQ(done->text, ExpectedText(fixture, Mode::kErase));
+  EXPECT_EQ(fixture.Damage(protocol::BrowserCategory::kCache, Mode::kErase), L"");
+  // The finished first-set task still holds its slot: a stop reports the same totals.
+  worker.Send(2048);
+  const auto stopped = worker.WaitForCopyData(306);
+  ASSERT_TRUE(stopped);
+  EXPECT_EQ(stopped->text, done->text);
+}
+
+TEST(BrowserTaskTest, FullScanSeesTheExtraChromeProfileWhenToldWindows8) {
+  for (const std::wstring version : {L"win7", L"win8"}) {
+    SCOPED_TRACE(testing::PrintToString(version));
+    const WineVersionOf told(L"scourel.exe", version);
+    BrowserScenario scenario;
+    scenario.extraProfile = version == L"win8";
+    BrowserFixture fixture(scenario);
+    WorkerHarness worker(L"browser-scan");
+    ASSERT_TRUE(worker.Started());
+    worker.Send(2087);
+    const auto scanned = worker.WaitForCopyData(105);
+    ASSERT_TRUE(scanned);
+    EXPECT_EQ(scanned->text, ExpectedText(fixture, Mode::kMeasure));
+    ASSERT_TRUE(worker.WaitForCopyData(106));
+    EXPECT_EQ(fixture.Damage(protocol::BrowserCategory::kCache, Mode::kMeasure), L"");
+  }
+}
+
+}  // namespace
+}  // namespace scourel::test
