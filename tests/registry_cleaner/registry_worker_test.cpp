@@ -1,0 +1,51 @@
+// The registry cleaner through a real worker: the full scan's registry
+// records on the seeded registry, then the fix commands of both sets.
+#include <gtest/gtest.h>
+
+#include "protocol/categories.h"
+#include "registry_cleaner/registry_issues.h"
+#include "registry_seed.h"
+#include "support/worker_harness.h"
+
+namespace scourel::test {
+namespace {
+
+void SwitchOn(WorkerHarness& worker, const wchar_t* prefix, std::initializer_list<int> categories) {
+  for (const auto& registrySwitch : protocol::kRegistrySwitches) {
+    const bool on = std::find(categories.begin(), categories.end(), registrySwitch.category) != categories.end();
+    worker.WriteSetting(prefix + std::wstring(registrySwitch.keySuffix), on ? L"TRUE" : L"FALSE");
+  }
+}
+
+TEST(RegistryWorkerTest, ScanRecordsThenFixCommands) {
+  SeededRegistry seed;
+  WorkerHarness worker(L"registry-worker");
+  ASSERT_TRUE(worker.Started());
+  worker.Send(2087);
+  const auto counts = worker.WaitForCopyData(107);
+  ASSERT_TRUE(counts);
+  EXPECT_EQ(counts->text, L"2\\cv 3\\cv 3\\cv 2\\cv 2\\cv 1\\cv 1\\cv 2\\cv 4\\cv 1\\cv 2\\cv 0\\cv");
+  EXPECT_TRUE(worker.WaitForCopyData(109));
+  const auto extensions = worker.WaitForCopyData(108);
+  ASSERT_TRUE(extensions);
+  EXPECT_EQ(extensions->text, std::to_wstring(kSeedExtensions));
+  ASSERT_TRUE(worker.WaitForCopyData(106));
+
+  SwitchOn(worker, L"IDS_C", {kCatEmptyKeys, kCatTypes});
+  SwitchOn(worker, L"IDS_", {kCatFonts});
+  worker.Send(2037);
+  ASSERT_TRUE(worker.WaitFor(2038));
+  EXPECT_EQ(seed.Damage({kCatEmptyKeys, kCatTypes}), L"");
+  EXPECT_EQ(worker.Send(2043), 0);  // returns once the fix is done
+  ASSERT_TRUE(worker.WaitFor(2044));
+  EXPECT_EQ(seed.Damage({kCatEmptyKeys, kCatTypes, kCatExtensions}), L"");
+  // The second set reads the plain keys; its fix goes through the first fix's
+  // rows again (whole keys, gone by now: a value row would take its key along
+  // when one other value is left).
+  worker.Send(2061);
+  ASSERT_TRUE(worker.WaitFor(2062));
+  EXPECT_EQ(seed.Damage({kCatEmptyKeys, kCatTypes, kCatExtensions, kCatFonts}), L"");
+}
+
+}  // namespace
+}  // namespace scourel::test
