@@ -11,7 +11,7 @@
 #include "protocol/categories.h"
 #include "registry_cleaner/key_tree_delete.h"
 #include "registry_cleaner/registry_scan.h"
-#include "registry_seed.h"
+#include "support/registry_seed.h"
 #include "support/task_fixture.h"
 
 namespace scourel::test {

@@ -10,7 +10,7 @@
 #include "registry_cleaner/installer_scans.h"
 #include "registry_cleaner/registry_issues.h"
 #include "registry_cleaner/scan_keys.h"
-#include "registry_seed.h"
+#include "support/registry_seed.h"
 #include "support/task_fixture.h"
 
 namespace scourel::test {

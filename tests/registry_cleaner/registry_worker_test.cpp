@@ -4,7 +4,7 @@
 
 #include "protocol/categories.h"
 #include "registry_cleaner/registry_issues.h"
-#include "registry_seed.h"
+#include "support/registry_seed.h"
 #include "support/worker_harness.h"
 
 namespace scourel::test {

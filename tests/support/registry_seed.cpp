@@ -1,4 +1,4 @@
-#include "registry_seed.h"
+#include "support/registry_seed.h"
 
 #include <algorithm>
 
@@ -141,6 +141,30 @@ std::wstring SeededRegistry::Damage(const std::vector<int>& fixed) const {
     }
   }
   return L"";
+}
+
+std::set<std::wstring> SeededRegistry::Snapshot() const {
+  std::set<std::wstring> lines;
+  for (const SeedEntry& e : entries_) {
+    for (std::size_t end = e.path.find(L'\\');; end = e.path.find(L'\\', end + 1)) {
+      const std::wstring path = e.path.substr(0, end), where = std::to_wstring(reinterpret_cast<ULONG_PTR>(e.root)) + L"|" + path;
+      UniqueRegKey key;
+      if (::RegOpenKeyExW(e.root, path.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS) {
+        lines.insert(where);
+        for (DWORD i = 0;; ++i) {
+          wchar_t name[512];
+          BYTE data[4096];
+          DWORD nameLength = 512, size = sizeof data, type = 0;
+          if (::RegEnumValueW(key.get(), i, name, &nameLength, nullptr, &type, data, &size) != ERROR_SUCCESS) break;
+          std::wstring line = where + L"|" + name + L"|" + std::to_wstring(type) + L"|";
+          for (DWORD b = 0; b < size; ++b) line += std::to_wstring(data[b]) + L",";
+          lines.insert(line);
+        }
+      }
+      if (end == std::wstring::npos) break;
+    }
+  }
+  return lines;
 }
 
 }  // namespace scourel::test

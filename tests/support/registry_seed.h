@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -70,6 +71,9 @@ class SeededRegistry {
   // Empty when every entry stands as it must after fixing the categories
   // given; otherwise the first entry that does not.
   std::wstring Damage(const std::vector<int>& fixedCategories) const;
+  // Every seeded key and the keys above it, with their values' names, types
+  // and bytes: what a restore must bring back exactly.
+  std::set<std::wstring> Snapshot() const;
 
  private:
   ScratchDir files_{L"registry-seed"};
