@@ -8,6 +8,10 @@
 //   wine-run bench_registry_scan.exe
 //
 // The extra CLSIDs are removed again when the bench ends.
+#include "registry_cleaner/registry_scan.h"
+
+#include <psapi.h>  // after the Windows headers it builds on
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -20,10 +24,7 @@
 #include "protocol/messages.h"
 #include "registry_cleaner/file_reference.h"
 #include "registry_cleaner/registry_issues.h"
-#include "registry_cleaner/registry_scan.h"
 #include "task/task_context.h"
-
-#include <psapi.h>  // after the Windows headers it builds on
 
 using namespace scourel;
 
@@ -121,16 +122,23 @@ struct BareWalk {
         {cu, L"Software\\Microsoft\\Windows NT\\CurrentVersion\\AppCompatFlags\\Compatibility Assistant\\Persisted", 0},
         {lm, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\AppCompatFlags\\Layers", 0},
         {cu, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\AppCompatFlags\\Layers", 0},
-        {cu, L"Software\\Classes", 1}, {cu, L"AppEvents\\Schemes\\Apps", 2},
-        {cr, L"FileType", 0}, {lm, std::wstring(version) + L"Fonts", 0},
+        {cu, L"Software\\Classes", 1},
+        {cu, L"AppEvents\\Schemes\\Apps", 2},
+        {cr, L"FileType", 0},
+        {lm, std::wstring(version) + L"Fonts", 0},
         {lm, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Fonts", 0},
-        {lm, L"SOFTWARE\\Microsoft\\Windows\\Help", 0}, {lm, L"SOFTWARE\\Microsoft\\Windows\\HTML Help", 0},
+        {lm, L"SOFTWARE\\Microsoft\\Windows\\Help", 0},
+        {lm, L"SOFTWARE\\Microsoft\\Windows\\HTML Help", 0},
         {lm, L"SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\Help", 0},
         {lm, L"SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\HTML Help", 0},
         {lm, L"SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs", 0},
-        {lm, std::wstring(version) + L"SharedDLLs", 0}, {lm, std::wstring(version) + L"Shell Extensions\\Approved", 0},
-        {lm, std::wstring(version) + L"Uninstall", 1}, {lm, std::wstring(version) + L"Installer\\Folders", 0},
-        {cr, L"Installer\\Patches", 0}, {cr, L"Installer\\Products", 0}, {cu, L"AppEvents\\EventLabels", 1},
+        {lm, std::wstring(version) + L"SharedDLLs", 0},
+        {lm, std::wstring(version) + L"Shell Extensions\\Approved", 0},
+        {lm, std::wstring(version) + L"Uninstall", 1},
+        {lm, std::wstring(version) + L"Installer\\Folders", 0},
+        {cr, L"Installer\\Patches", 0},
+        {cr, L"Installer\\Products", 0},
+        {cu, L"AppEvents\\EventLabels", 1},
         {cu, L"Software", 1},
         {cu, L"Software\\Classes\\Local Settings\\Software\\Microsoft\\Windows\\Shell\\MuiCache", 0},
     };
@@ -156,10 +164,10 @@ void ReportPass(const char* label) {
   int invalid = 0;
   for (const std::wstring& text : walk.driveTexts) invalid += IsFileReferenceValid(text) ? 0 : 1;
   const double tests = Seconds(start);
-  std::printf("%-28s scan %7.3f s, %6d values examined, %5d rows | bare walk %7.3f s, %6ld keys, %6ld values"
-              " | ratio %.2f\n",
-              label, scan, examined, rows, bare,
-              walk.keys, walk.values, scan / bare);
+  std::printf(
+      "%-28s scan %7.3f s, %6d values examined, %5d rows | bare walk %7.3f s, %6ld keys, %6ld values"
+      " | ratio %.2f\n",
+      label, scan, examined, rows, bare, walk.keys, walk.values, scan / bare);
   std::printf("%-28s file tests: %zu drive references (%d missing) in %.3f s, %.0f%% of the scan\n", "",
               walk.driveTexts.size(), invalid, tests, 100.0 * tests / scan);
 }
@@ -214,7 +222,8 @@ void ReportWorkerMemory(const char* label) {
   HiddenWindow controller;
   WindowSpec spec;
   spec.className = protocol::kControllerClass;
-  if (controller.Register(spec) || controller.Create([&](HWND, UINT message, WPARAM, LPARAM lParam) -> std::optional<LRESULT> {
+  if (controller.Register(spec) ||
+      controller.Create([&](HWND, UINT message, WPARAM, LPARAM lParam) -> std::optional<LRESULT> {
         if (message != WM_COPYDATA) return std::nullopt;
         lastKind = static_cast<unsigned>(reinterpret_cast<const COPYDATASTRUCT*>(lParam)->dwData);
         return 1;
@@ -242,10 +251,11 @@ void ReportWorkerMemory(const char* label) {
   AwaitCopyData(protocol::kScanPlugins, lastKind, 600000);
   ::PostMessageW(worker, WM_CLOSE, 0, 0);
   if (::WaitForSingleObject(process.get(), 10000) != WAIT_OBJECT_0) ::TerminateProcess(process.get(), 1);
-  std::printf("%-28s worker private bytes %.1f MiB before the full scan, %.1f MiB after its registry part%s"
-              " (+%.1f MiB)\n",
-              label, before / 1048576.0, after / 1048576.0, scanned ? "" : " (timed out)",
-              (static_cast<double>(after) - static_cast<double>(before)) / 1048576.0);
+  std::printf(
+      "%-28s worker private bytes %.1f MiB before the full scan, %.1f MiB after its registry part%s"
+      " (+%.1f MiB)\n",
+      label, before / 1048576.0, after / 1048576.0, scanned ? "" : " (timed out)",
+      (static_cast<double>(after) - static_cast<double>(before)) / 1048576.0);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "registry_cleaner/installer_scans.h"
 
 #include <algorithm>
+#include <cwctype>
 
 #include "common/registry_paths.h"
 #include "registry_cleaner/registry_issues.h"

@@ -60,10 +60,11 @@ void FixRow(const RegistryIssue& row, bool extensionRow) {
 }  // namespace
 
 HKEY RootFromName(const std::wstring& name) {
-  static const std::pair<const wchar_t*, HKEY> kRoots[] = {
-      {L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT}, {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-      {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE}, {L"HKEY_USERS", HKEY_USERS},
-      {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG}};
+  static const std::pair<const wchar_t*, HKEY> kRoots[] = {{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+                                                           {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+                                                           {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+                                                           {L"HKEY_USERS", HKEY_USERS},
+                                                           {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG}};
   for (const auto& [text, root] : kRoots) {
     if (name == text) return root;
   }

@@ -32,9 +32,7 @@ void IssueTables::ResetCounts() {
   for (auto& count : counts_) count.set(0);
 }
 
-std::int32_t IssueTables::Count(int category) const {
-  return ValidCategory(category) ? counts_[category].get() : 0;
-}
+std::int32_t IssueTables::Count(int category) const { return ValidCategory(category) ? counts_[category].get() : 0; }
 
 std::vector<RegistryIssue> IssueTables::Rows(int category) const {
   if (!ValidCategory(category)) return {};
@@ -66,8 +64,8 @@ bool RegistryFindings::Ignored(const std::wstring& keyText) const {
   return false;
 }
 
-bool RecordIssue(int category, const std::wstring& rootName, const std::wstring& keyPath,
-                 const std::wstring& valueName, const std::wstring& valueData) {
+bool RecordIssue(int category, const std::wstring& rootName, const std::wstring& keyPath, const std::wstring& valueName,
+                 const std::wstring& valueData) {
   if (g_registry.Ignored(rootName + L"\\" + keyPath)) return false;
   if (!g_registry.found.Append(category, {rootName, keyPath, valueName, valueData})) return false;
   g_registry.foundTotal.add(1);

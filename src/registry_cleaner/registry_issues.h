@@ -94,7 +94,7 @@ extern RegistryFindings g_registry;
 
 // Appends a row to the category unless its key is on the ignore list or the
 // category is full; true when the row was recorded.
-bool RecordIssue(int category, const std::wstring& rootName, const std::wstring& keyPath,
-                 const std::wstring& valueName, const std::wstring& valueData);
+bool RecordIssue(int category, const std::wstring& rootName, const std::wstring& keyPath, const std::wstring& valueName,
+                 const std::wstring& valueData);
 
 }  // namespace scourel

@@ -21,9 +21,7 @@ struct ScanStep {
   int category;
 };
 
-void ComScan(const TaskContext& context, HKEY root, const std::wstring& path, int) {
-  ScanComKey(context, root, path);
-}
+void ComScan(const TaskContext& context, HKEY root, const std::wstring& path, int) { ScanComKey(context, root, path); }
 
 const HKEY HKCR = HKEY_CLASSES_ROOT;
 const HKEY HKCU = HKEY_CURRENT_USER;

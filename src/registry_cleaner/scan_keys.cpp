@@ -1,5 +1,7 @@
 #include "registry_cleaner/scan_keys.h"
 
+#include <cwctype>
+
 #include "common/registry_paths.h"
 #include "registry_cleaner/file_reference.h"
 #include "registry_cleaner/registry_issues.h"
@@ -34,8 +36,7 @@ std::wstring LeadingProgram(const std::wstring& text) {
 
 }  // namespace
 
-ScanKey::ScanKey(HKEY root, std::wstring path)
-    : root_(root), rootName_(RootKeyName(root)), path_(std::move(path)) {
+ScanKey::ScanKey(HKEY root, std::wstring path) : root_(root), rootName_(RootKeyName(root)), path_(std::move(path)) {
   OpenedKey opened = OpenForScan(root_, path_);
   if (opened.status != ERROR_SUCCESS) return;
   open_ = true;
@@ -107,8 +108,8 @@ bool ProgIdRegistered(const std::wstring& progId) {
 }
 
 bool SameText(const std::wstring& a, const std::wstring& b) {
-  return ::CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(), static_cast<int>(b.size()),
-                                TRUE) == CSTR_EQUAL;
+  return ::CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(), static_cast<int>(b.size()), TRUE) ==
+         CSTR_EQUAL;
 }
 
 bool EndsWithText(const std::wstring& text, const std::wstring& tail) {

@@ -71,7 +71,7 @@ bool ClassRegistered(const std::wstring& classId);
 // nothing count as present.
 bool ProgIdRegistered(const std::wstring& progId);
 
-bool SameText(const std::wstring& a, const std::wstring& b);  // ignoring case
+bool SameText(const std::wstring& a, const std::wstring& b);            // ignoring case
 bool EndsWithText(const std::wstring& text, const std::wstring& tail);  // ignoring case
 
 // A scan of one starting key, recording into the category given.

@@ -12,8 +12,7 @@ void FontScan(const TaskContext& context, HKEY root, const std::wstring& path, i
 void HelpScan(const TaskContext& context, HKEY root, const std::wstring& path, int category) {
   RecordValuesWhere(context, root, path, category, [](const ValueText& value) {
     if (value.text.empty() || value.name.empty()) return false;
-    return NamesMissingFile(EndsWithText(value.text, value.name) ? value.text
-                                                                 : WithBackslash(value.text) + value.name);
+    return NamesMissingFile(EndsWithText(value.text, value.name) ? value.text : WithBackslash(value.text) + value.name);
   });
 }
 

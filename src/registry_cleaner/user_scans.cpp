@@ -1,5 +1,7 @@
 #include "registry_cleaner/user_scans.h"
 
+#include <cwchar>
+
 #include "registry_cleaner/scan_keys.h"
 
 namespace scourel {

@@ -59,8 +59,9 @@ SeededRegistry::SeededRegistry() {
   MakeDirs(p);
   for (const wchar_t* file : {L"app.exe", L"lib.dll", L"font.ttf", L"help.hlp"}) WriteFileBytes(p + L"\\" + file, "x");
   const std::wstring r1 = Class(L"01"), m1 = Class(L"02");
-  const std::wstring store = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\AppCompatFlags\\Compatibility "
-                             L"Assistant\\Store";
+  const std::wstring store =
+      L"Software\\Microsoft\\Windows NT\\CurrentVersion\\AppCompatFlags\\Compatibility "
+      L"Assistant\\Store";
   const std::wstring fonts = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Fonts";
   const std::wstring fileExts = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts\\";
   const std::wstring mui = L"Software\\Classes\\Local Settings\\Software\\Microsoft\\Windows\\Shell\\MuiCache";
@@ -68,7 +69,6 @@ SeededRegistry::SeededRegistry() {
   using F = Fate;
   entries_ = {
       {0, F::kCanary, HKCR, L"CLSID\\" + r1 + L"\\InprocServer32", L"", p + L"\\lib.dll"},
-      {0, F::kCanary, HKCR, L"CLSID\\" + r1 + L"\\LocalServer32", L"", L"L:\\scourel\\gone.exe"},
       {0, F::kKeyGoes, HKCR, L"CLSID\\" + Class(L"03") + L"\\InprocServer32", L"", m + L"\\gone.dll"},
       {0, F::kValueGoes, HKCR, L"CLSID\\" + Class(L"04"), L"AppID", m1},
       {0, F::kCanary, HKCR, L"CLSID\\" + Class(L"04"), L"Name", L"x"},
@@ -76,7 +76,6 @@ SeededRegistry::SeededRegistry() {
       {1, F::kCanary, HKLM, kVersion + L"App Paths\\scourel-path.exe", L"", p + L"\\app.exe"},
       {1, F::kValueGoes, HKLM, kVersion + L"App Paths\\scourel-path.exe", L"Path", m + L"\\folder"},
       {1, F::kCanary, HKLM, kVersion + L"App Paths\\scourel-ok.exe", L"", p + L"\\app.exe"},
-      {1, F::kCanary, HKLM, kVersion + L"App Paths\\scourel-ok.exe", L"Path", p},
       {1, F::kValueGoes, HKCU, store, (m + L"\\old.exe"), L"1"},
       {1, F::kCanary, HKCU, store, (p + L"\\app.exe"), L"1"},
       {2, F::kKeyGoes, HKCR, L"CLSID\\" + Class(L"05"), std::nullopt, {}},
@@ -147,7 +146,8 @@ std::set<std::wstring> SeededRegistry::Snapshot() const {
   std::set<std::wstring> lines;
   for (const SeedEntry& e : entries_) {
     for (std::size_t end = e.path.find(L'\\');; end = e.path.find(L'\\', end + 1)) {
-      const std::wstring path = e.path.substr(0, end), where = std::to_wstring(reinterpret_cast<ULONG_PTR>(e.root)) + L"|" + path;
+      const std::wstring path = e.path.substr(0, end),
+                         where = std::to_wstring(reinterpret_cast<ULONG_PTR>(e.root)) + L"|" + path;
       UniqueRegKey key;
       if (::RegOpenKeyExW(e.root, path.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS) {
         lines.insert(where);

@@ -60,14 +60,13 @@ struct SeedEntry {
 // Counts of the seed in the order the scan reports them (kind 107), and the
 // file-extension pass's count (kind 108).
 inline constexpr std::array<std::int32_t, protocol::kRegistryReportCount> kSeedReport = {2, 3, 3, 2, 2, 1,
-                                                                                          1, 2, 4, 1, 2, 0};
+                                                                                         1, 2, 4, 1, 2, 0};
 inline constexpr std::int32_t kSeedExtensions = 3;
 
 // Files the canaries name (present) and the folder invalid entries point into (missing).
 class SeededRegistry {
  public:
   SeededRegistry();
-  const std::vector<SeedEntry>& entries() const { return entries_; }
   // Empty when every entry stands as it must after fixing the categories
   // given; otherwise the first entry that does not.
   std::wstring Damage(const std::vector<int>& fixedCategories) const;

@@ -164,8 +164,8 @@ std::optional<std::string> WriteFixBackup(const std::wstring& file, const std::v
                                           const std::vector<DecodedReply>& workerScan, std::size_t* keys) {
   const std::optional<std::vector<long long>> worker = WorkerCounts(workerScan);
   if (!worker) return "the worker's scan did not report its registry counts";
-  const scourel::TaskContext context{scourel::g_totals, scourel::SystemShredIo(), nullptr, 0,
-                                     scourel::Mode::kMeasure, nullptr, L"", L""};
+  const scourel::TaskContext context{
+      scourel::g_totals, scourel::SystemShredIo(), nullptr, 0, scourel::Mode::kMeasure, nullptr, L"", L""};
   scourel::RunRegistryScan(context);
   const int extensions = scourel::RunFileExtensionScan(context);
   const auto counts = scourel::RegistryReportCounts();
