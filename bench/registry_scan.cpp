@@ -36,16 +36,9 @@ const wchar_t kExtraPrefix[] = L"CLSID\\{5C0EBE00-0000-4000-8000-";
 
 double Seconds(Clock::time_point since) { return std::chrono::duration<double>(Clock::now() - since).count(); }
 
-template <typename Run>
-double MedianSeconds(Run run) {
-  std::vector<double> times;
-  for (int i = 0; i < 3; ++i) {
-    const auto start = Clock::now();
-    run();
-    times.push_back(Seconds(start));
-  }
+double Median(std::vector<double> times) {
   std::sort(times.begin(), times.end());
-  return times[1];
+  return times[times.size() / 2];
 }
 
 // --- The bare walk: the keys the main pass reads, read as plainly as can be.
@@ -150,14 +143,22 @@ struct BareWalk {
 
 void ReportPass(const char* label) {
   const TaskContext context{g_totals, SystemShredIo(), nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
-  const std::int32_t examinedBefore = g_registry.examined.get();
-  const double scan = MedianSeconds([&] { RunRegistryScan(context); });
-  const std::int32_t examined = (g_registry.examined.get() - examinedBefore) / 3;
+  // Scan and walk take turns, so that a change in the machine's load falls on both.
+  constexpr int kRounds = 5;
+  std::vector<double> scans, walks;
   BareWalk walk;
-  const double bare = MedianSeconds([&] {
+  const std::int32_t examinedBefore = g_registry.examined.get();
+  for (int round = 0; round < kRounds; ++round) {
+    auto start = Clock::now();
+    RunRegistryScan(context);
+    scans.push_back(Seconds(start));
+    start = Clock::now();
     walk = BareWalk();
     walk.MainPassKeys();
-  });
+    walks.push_back(Seconds(start));
+  }
+  const std::int32_t examined = (g_registry.examined.get() - examinedBefore) / kRounds;
+  const double scan = Median(scans), bare = Median(walks);
   std::int32_t rows = 0;
   for (int category = 0; category < kRegistryCategoryTotal; ++category) rows += g_registry.found.Count(category);
   const auto start = Clock::now();
