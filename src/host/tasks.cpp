@@ -11,6 +11,7 @@
 #include "protocol/reply_text.h"
 #include "protocol/tasks.h"
 #include "registry_cleaner/registry_fix.h"
+#include "registry_cleaner/registry_scan.h"
 #include "task/settings.h"
 #include "task/task_context.h"
 #include "windows_traces/dead_shortcuts.h"
@@ -165,12 +166,8 @@ void FullScanTask(TaskThread& thread) {
 
   RunRegistryScan(context);
   if (thread.stopped()) return;
-  {
-    std::array<std::int32_t, kRegistryReportCount> counts{};
-    for (int i = 0; i < kRegistryReportCount; ++i) counts[i] = totals.registry[i].get();
-    SendCopyData(kScanRegistry, RegistryScanText(counts), &thread);
-    SendCopyData(kScanRegistryDone, kScanCompletedText, &thread);
-  }
+  SendCopyData(kScanRegistry, RegistryScanText(RegistryReportCounts()), &thread);
+  SendCopyData(kScanRegistryDone, kScanCompletedText, &thread);
 
   DeadShortcuts(context);
   if (thread.stopped()) return;

@@ -125,6 +125,13 @@ constexpr std::string_view RegistryCategoryName(int category) {
   return {};
 }
 
+// The names of the counts of the registry scan record, in the order sent.
+inline constexpr auto kRegistryReportNames = [] {
+  std::array<std::string_view, kRegistryReportCount> names{};
+  for (int i = 0; i < kRegistryReportCount; ++i) names[i] = RegistryCategoryName(kRegistryReportOrder[i]);
+  return names;
+}();
+
 }  // namespace scourel::protocol
 
 namespace scourel::protocol {

@@ -1,35 +1,108 @@
 #include "registry_cleaner/registry_fix.h"
 
-#include "common/relaxed.h"
+#include "common/registry_key.h"
+#include "registry_cleaner/key_tree_delete.h"
 
 namespace scourel {
 
 namespace {
-Relaxed<int> g_fixFlags[kRegistryCategoryTotal];
+
+constexpr REGSAM kViewBits = KEY_WOW64_32KEY | KEY_WOW64_64KEY;
+
+// The row's key, for full access, with the view it opened in.
+struct RowKey {
+  OpenedKey key;
+  REGSAM view = 0;
+};
+
+RowKey OpenRow(HKEY root, const std::wstring& path) {
+  for (REGSAM mask : {KEY_ALL_ACCESS, KEY_ALL_ACCESS | KEY_WOW64_32KEY, KEY_ALL_ACCESS | KEY_WOW64_64KEY}) {
+    if (OpenedKey opened = OpenRegKey(root, path, mask)) return {std::move(opened), mask & kViewBits};
+  }
+  return {};
+}
+
+// The one parent level above a deleted key goes too when nothing is left in it.
+void DeleteParentIfEmpty(HKEY root, const std::wstring& path, REGSAM view) {
+  const std::size_t slash = path.rfind(L'\\');
+  if (slash == std::wstring::npos || slash == 0) return;
+  const OpenedKey parent = OpenRegKey(root, path.substr(0, slash), KEY_ALL_ACCESS | view);
+  if (!parent) return;
+  const KeyCounts counts = CountsOf(parent.get());
+  // Through its own handle, so the key deleted is the key found empty.
+  if (counts.values == 0 && counts.subkeys == 0) ::RegDeleteKeyExW(parent.get(), L"", view, 0);
+}
+
+void DeleteKeyOrValue(HKEY root, const RegistryIssue& row, const RowKey& opened) {
+  if (DeleteKeyTree(root, row.keyPath, opened.view) == 0) return;
+  ::RegDeleteValueW(opened.key.get(), row.valueName.c_str());
+  DeleteKeyTree(root, row.keyPath, opened.view);
+}
+
+void FixRow(const RegistryIssue& row, bool extensionRow) {
+  const HKEY root = RootFromName(row.rootName);
+  if (!root || row.keyPath.empty()) return;
+  const RowKey opened = OpenRow(root, row.keyPath);
+  if (!opened.key) return;
+  const KeyCounts counts = CountsOf(opened.key.get());
+  if (extensionRow) {
+    DeleteKeyOrValue(root, row, opened);
+  } else if (row.IsKeyEntry()) {
+    DeleteKeyTree(root, row.keyPath, opened.view);
+    DeleteParentIfEmpty(root, row.keyPath, opened.view);
+  } else if (counts.values == 1) {
+    DeleteKeyOrValue(root, row, opened);
+  } else if (counts.values > 1) {
+    ::RegDeleteValueW(opened.key.get(), row.valueName.c_str());
+  }
+}
+
+}  // namespace
+
+HKEY RootFromName(const std::wstring& name) {
+  static const std::pair<const wchar_t*, HKEY> kRoots[] = {{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+                                                           {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+                                                           {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+                                                           {L"HKEY_USERS", HKEY_USERS},
+                                                           {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG}};
+  for (const auto& [text, root] : kRoots) {
+    if (name == text) return root;
+  }
+  return nullptr;
 }
 
 int FixFlag(int category) {
-  return category >= 0 && category < kRegistryCategoryTotal ? g_fixFlags[category].get() : 0;
+  return category >= 0 && category < kRegistryCategoryTotal ? g_registry.fixFlags[category].get() : 0;
 }
 
 void SelectFixCategories(const TaskContext& context, KeyFamily family) {
-  for (auto& flag : g_fixFlags) flag.set(0);
+  for (auto& flag : g_registry.fixFlags) flag.set(0);
   const SettingsFile settings(context.settingsPath);
   for (const auto& registrySwitch : protocol::kRegistrySwitches) {
-    if (settings.Switch(family, registrySwitch.keySuffix, kRegistryChars)) g_fixFlags[registrySwitch.category].set(1);
+    if (settings.Switch(family, registrySwitch.keySuffix, kRegistryChars)) {
+      g_registry.fixFlags[registrySwitch.category].set(1);
+    }
   }
   FixSelected(context);
 }
 
-// The scans that fill the found-entry tables are not built yet, so there is
-// nothing to delete.
-void FixSelected(const TaskContext&) {}
-void FixFileExtensions(const TaskContext&) {}
-
-void RunRegistryScan(const TaskContext& context) {
-  for (auto& counter : context.totals.registry) counter.set(0);
+void FixSelected(const TaskContext& context) {
+  for (int category = 0; category < kRegistryCategoryTotal; ++category) {
+    if (!FixFlag(category)) continue;
+    for (RegistryIssue& row : g_registry.found.Rows(category)) {
+      if (g_registry.fixList.Append(category, std::move(row))) g_registry.fixTotal.add(1);
+    }
+  }
+  for (int category = 0; category < kRegistryCategoryTotal; ++category) {
+    for (const RegistryIssue& row : g_registry.fixList.Rows(category)) {
+      if (context.stopped()) return;
+      FixRow(row, false);
+    }
+  }
 }
 
-int RunFileExtensionScan(const TaskContext&) { return 0; }
+void FixFileExtensions(const TaskContext&) {
+  for (const RegistryIssue& row : g_registry.found.Rows(kCatExtensions)) FixRow(row, true);
+}
 
 }  // namespace scourel

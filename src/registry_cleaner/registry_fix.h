@@ -1,46 +1,41 @@
-// The registry cleaner's fix step and the full scan's registry passes.
+// The registry cleaner's fixes: the general fix over the categories the
+// settings switch on, and the file-extension fix with a command of its own.
+// They delete for good what the last scan recorded; nothing is saved first.
+//
+// | Row                           | What the fix deletes                               |
+// |-------------------------------|----------------------------------------------------|
+// | a whole key                   | the key (DeleteKeyTree), then its parent when that |
+// |                               | is left with no values and no subkeys (one level)  |
+// | a value in a key holding one  | the key; failing that the value, then the key once |
+// | value (whichever that is)     | more                                               |
+// | a value among several         | that value only                                    |
+// | a file-extension row          | the key; failing that the named value, then the    |
+// |                               | key once more                                      |
+//
+// A row whose key no longer opens is passed over; a deletion that fails is
+// not retried or reported. Each row is deleted in the registry view in which
+// its key opened.
 #pragma once
 
-#include "protocol/categories.h"
+#include "registry_cleaner/registry_issues.h"
 #include "task/settings.h"
 #include "task/task_context.h"
 
 namespace scourel {
-
-using protocol::kRegistryCategoryTotal;
-
-// Category numbers of the found-entry tables.
-enum RegistryCategory : int {
-  kCatCom = 0,
-  kCatAppPaths = 1,
-  kCatEmptyKeys = 2,
-  kCatAssociations = 3,
-  kCatExtensions = 4,
-  kCatTypes = 5,
-  kCatFonts = 6,
-  kCatHelp = 7,
-  kCatSharedDlls = 8,
-  kCatNone = 9,
-  kCatSoftware = 10,
-  kCatSounds = 11,
-  kCatAdditional = 12,
-  kCatDeepScan = 13,
-  kCatCurrentUser = 14,
-};
 
 // Fix flags, one per category, 0 or 1.
 int FixFlag(int category);
 
 // Clears all fifteen flags, reads the twelve switches of the family, then fixes.
 void SelectFixCategories(const TaskContext& context, KeyFamily family);
-// Deletes the found entries of the flagged categories.
+// Appends the found rows of the flagged categories to the fix list, then
+// works through the whole list.
 void FixSelected(const TaskContext& context);
-// Deletes the found entries of the file-extension category.
+// Deletes the found rows of the file-extension category.
 void FixFileExtensions(const TaskContext& context);
 
-// The full scan's main registry pass and its file-extension pass.
-void RunRegistryScan(const TaskContext& context);
-// Returns the file-extension pass's found count.
-int RunFileExtensionScan(const TaskContext& context);
+// The root a row names, compared exactly: one of the five predefined roots,
+// or null for any other text.
+HKEY RootFromName(const std::wstring& name);
 
 }  // namespace scourel

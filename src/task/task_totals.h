@@ -59,8 +59,8 @@ struct TaskTotals {
   Relaxed<float> recycleBinBytes;  // the full scan's measurement only
   Relaxed<std::int32_t> pluginItems;
   Relaxed<float> pluginBytes;
-  // In the order of the registry switches (protocol::kRegistrySwitches).
-  Relaxed<std::int32_t> registry[protocol::kRegistrySwitchCount];
+  // The registry cleaner's per-category counts stand beside its found-entry
+  // tables (registry_cleaner/registry_issues.h), which they number.
   BrowserTotals browser;
 
   Tally byteTotalWith(Relaxed<std::int32_t>& counter) { return {counter, byteTotal}; }

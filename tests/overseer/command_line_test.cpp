@@ -72,7 +72,7 @@ TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
 TEST(OverseerCommandLineTest, ReadsOptionValuesAndDefaults) {
   const ParseResult result = Parse(
       L"--worker C:\\x\\bin\\scourel.exe --mode=o --timeout 7 --json --keep-worker --wipe Gutmann "
-      L"--browser cache,Address-Bar --pc=none --registry all clean browser");
+      L"--browser cache,Address-Bar --pc=none --registry all --yes --backup C:\\b.reg fix registry");
   ASSERT_TRUE(result.options) << result.error;
   const Options& o = *result.options;
   EXPECT_EQ(o.workerPath, L"C:\\x\\bin\\scourel.exe");
@@ -83,9 +83,12 @@ TEST(OverseerCommandLineTest, ReadsOptionValuesAndDefaults) {
   EXPECT_EQ(*o.browser, (std::vector<bool>{1, 0, 0, 0, 0, 0, 1, 0, 0, 0}));
   EXPECT_EQ(*o.pc, std::vector<bool>(6, false));
   EXPECT_EQ(*o.registry, std::vector<bool>(12, true));
+  EXPECT_TRUE(o.yes);
+  EXPECT_EQ(o.backupPath, L"C:\\b.reg");
 
   const Options d = *Parse(L"scan").options;
-  EXPECT_FALSE(d.wipeMethod || d.browser || d.pc || d.registry || d.json || d.keepWorker);
+  EXPECT_FALSE(d.wipeMethod || d.browser || d.pc || d.registry || d.json || d.keepWorker || d.yes);
+  EXPECT_TRUE(d.backupPath.empty());
   EXPECT_EQ(d.timeoutSeconds, kDefaultTimeoutSeconds);
   EXPECT_TRUE(d.workerPath.empty());
 }
@@ -129,6 +132,8 @@ TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
       {L"--verbose scan", "unknown option --verbose"},
       {L"--json=yes scan", "--json takes no value"},
       {L"--second-set scan", "--second-set does not apply to the full scan"},
+      {L"--backup b.reg clean junk", "--backup applies to fix only"},
+      {L"--yes=1 fix registry", "--yes takes no value"},
   };
   for (const auto& [line, message] : cases) {
     const ParseResult result = Parse(line);

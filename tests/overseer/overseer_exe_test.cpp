@@ -9,6 +9,7 @@
 #include "overseer_runner.h"
 #include "support/browser_fixture.h"
 #include "support/fixtures.h"
+#include "support/registry_seed.h"
 
 namespace scourel::test {
 namespace {
@@ -116,6 +117,30 @@ TEST(OverseerExeTest, InvalidValueIsRefusedAndNothingHappens) {
   EXPECT_NE(run.err.find("invalid --wipe value \"9\": valid values are 0-8 or zero, random"), npos) << run.err;
   EXPECT_FALSE(PathExists(worker / L"Settings.INI"));
   EXPECT_FALSE(WorkerWindow());
+}
+
+// A registry fix names what it deletes and waits for --yes. With --backup it
+// scans in a worker of its own first; reg import of the backup then puts back
+// everything the fix deleted.
+TEST(OverseerExeTest, RegistryFixAsksFirstAndItsBackupRestores) {
+  SeededRegistry seed;
+  const std::set<std::wstring> before = seed.Snapshot();
+  Installed worker(L"overseer-fix");
+  OverseerRun run = RunOverseer(worker.Worker(L"--registry com,paths fix registry"));
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.err.find("fix registry deletes for good what the worker's last scan found in: com, paths; add --yes"),
+            npos) << run.err;
+  EXPECT_FALSE(PathExists(worker / L"Settings.INI"));
+  EXPECT_FALSE(WorkerWindow());
+
+  const std::wstring backup = worker / L"backup.reg";
+  run = RunOverseer(worker.Worker(L"--timeout 120 --registry all --yes --backup \"" + backup + L"\" fix registry"));
+  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_NE(run.out.find("fixing    com, paths, empty, association, types, fonts, help, dll, software, sound, "
+                         "deep_scan, current_user"), npos) << run.out;
+  EXPECT_EQ(seed.Damage({0, 1, 2, 3, 5, 6, 7, 8, 10, 11, 13, 14}), L"");
+  EXPECT_EQ(RunAndWait(L"reg.exe import \"" + backup + L"\""), 0);
+  EXPECT_EQ(seed.Snapshot(), before);
 }
 
 TEST(OverseerExeTest, FailuresEndWithinTheTimeout) {

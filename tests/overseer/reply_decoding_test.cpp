@@ -43,8 +43,10 @@ TEST(OverseerReplyDecodingTest, EveryReplyKind) {
       {305, browser, 0, 0, 20, {{"download_history", L"15"}}},
       {306, scourel::BrowserText({}, {}), 0, 0, 20, {{"index", L"0"}, {"index_size", L"0.00 KB"}}},
       {106, scourel::PluginScanText(2, 100.0f), 0, 0, 2, {{"plugin_items", L"2"}, {"size", L"0.10 KB"}}},
+      // Category order: com, paths, empty, association, types, fonts, help, dll, software, sound,
+      // current user, deep scan.
       {107, scourel::RegistryScanText({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}), 0, 0, 12,
-       {{"current_user", L"1"}, {"com", L"2"}, {"association", L"4"}, {"deep_scan", L"12"}}},
+       {{"com", L"1"}, {"paths", L"2"}, {"association", L"4"}, {"current_user", L"11"}, {"deep_scan", L"12"}}},
       {108, scourel::ExtensionScanText(42), 0, 0, 1, {{"entries", L"42"}}},
       {109, L"Scanning Completed", 0, 0, 1, {{"text", L"Scanning Completed"}}},
       {303, scourel::PcTracesDoneText(pc), 0, 0, 7,

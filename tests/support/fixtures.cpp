@@ -160,6 +160,9 @@ ScratchKey::ScratchKey(const std::wstring& name) : path_(L"Software\\ScourelTest
 ScratchKey::~ScratchKey() {
   key_.reset();
   ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+  // The shared parent goes with the last scratch key: an empty vendor key is
+  // what the registry scan looks for.
+  ::RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\ScourelTests");
 }
 
 int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs) {

@@ -13,7 +13,6 @@ TEST(TaskTotalsTest, JunkFileResetClearsTheFirstFourRowsOnly) {
   g_totals.recycleBinItems.set(4);
   g_totals.recycleBinBytes.set(7.0f);
   g_totals.pluginItems.set(6);
-  g_totals.registry[0].set(8);
 
   ResetForJunkFileScan(g_totals);
 
@@ -24,7 +23,6 @@ TEST(TaskTotalsTest, JunkFileResetClearsTheFirstFourRowsOnly) {
   EXPECT_EQ(g_totals.recycleBinItems.get(), 0);
   EXPECT_EQ(g_totals.recycleBinBytes.get(), 7.0f);
   EXPECT_EQ(g_totals.pluginItems.get(), 6);
-  EXPECT_EQ(g_totals.registry[0].get(), 8);
 }
 
 }  // namespace

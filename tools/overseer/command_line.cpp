@@ -147,15 +147,16 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
       result.help = true;
       return result;
     }
-    if (name == "--json" || name == "--second-set" || name == "--keep-worker") {
+    if (name == "--json" || name == "--second-set" || name == "--keep-worker" || name == "--yes") {
       if (inlineValue) return refuse(name + " takes no value");
       if (name == "--json") options.json = true;
       if (name == "--second-set") options.secondSet = true;
       if (name == "--keep-worker") options.keepWorker = true;
+      if (name == "--yes") options.yes = true;
       continue;
     }
-    static constexpr std::string_view kValued[] = {"--worker",  "--mode", "--timeout", "--wipe",
-                                                   "--browser", "--pc",   "--registry"};
+    static constexpr std::string_view kValued[] = {"--worker", "--mode",     "--timeout", "--wipe",
+                                                   "--browser", "--pc",      "--registry", "--backup"};
     if (std::find(std::begin(kValued), std::end(kValued), name) == std::end(kValued)) {
       return refuse("unknown option " + name + " (overseer --help lists the options)");
     }
@@ -173,6 +174,9 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     if (name == "--worker") {
       if (wideValue.empty()) return refuse(invalid + "a path to scourel.exe");
       options.workerPath = wideValue;
+    } else if (name == "--backup") {
+      if (wideValue.empty()) return refuse(invalid + "a path for the .reg file");
+      options.backupPath = wideValue;
     } else if (name == "--mode") {
       if (value != "o") return refuse(invalid + "o");
       options.mode = L"o";
@@ -244,6 +248,7 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   if (targetError) return refuse(*targetError);
   if (words.size() > used)
     return refuse("unexpected argument \"" + words[used] + "\" after " + CommandName(options.verb, options.task));
+  if (!options.backupPath.empty() && options.verb != Verb::kFix) return refuse("--backup applies to fix only");
   if (options.secondSet &&
       (options.verb == Verb::kScan || (options.verb == Verb::kStop && options.task->task == p::Task::kFullScan))) {
     return refuse("--second-set does not apply to the full scan, which has one command only");
@@ -264,7 +269,8 @@ std::string UsageText() {
          "\n"
          "  fix TARGET                 TARGET: " +
          TargetList(Verb::kFix) +
-         "\n"
+         "; names what it will fix and deletes\n"
+         "                             only with --yes\n"
          "  stop TARGET                stops a task of the running worker; TARGET: " +
          TargetList(Verb::kStop) +
          "\n"
@@ -281,6 +287,9 @@ std::string UsageText() {
          "  --timeout SECONDS  longest wait for the worker and between replies (default 300)\n"
          "  --keep-worker      leave a worker that overseer started running\n"
          "  --json             print one JSON document instead of the table\n"
+         "  --yes              let a fix delete what the worker's scan found\n"
+         "  --backup FILE      fix: start a worker of our own, scan, and write every key the fix\n"
+         "                     may delete to FILE (for reg import) before fixing\n"
          "  --wipe METHOD      " +
          WipeHelp() +
          "\n"

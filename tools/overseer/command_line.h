@@ -33,6 +33,8 @@ struct Options {
   bool secondSet = false;
   bool json = false;
   bool keepWorker = false;  // leave a worker we started running
+  bool yes = false;         // a fix may delete
+  std::wstring backupPath;  // fix: the .reg file to write first; empty: none
   std::wstring workerPath;  // empty: scourel.exe beside overseer.exe
   std::wstring mode;        // mode argument for a worker we start
   unsigned timeoutSeconds = kDefaultTimeoutSeconds;

@@ -10,7 +10,9 @@
 #include "overseer/command_line.h"
 #include "overseer/command_plan.h"
 #include "overseer/controller_session.h"
+#include "overseer/fix_scope.h"
 #include "overseer/plugin_commands.h"
+#include "overseer/registry_backup.h"
 #include "overseer/report_output.h"
 #include "overseer/settings_writer.h"
 #include "plugins/plugin_files.h"
@@ -111,6 +113,27 @@ int wmain(int argc, wchar_t** argv) {
     return finish(nullptr, {"not running", "", 0});
   }
 
+  // A fix names what it will delete, and deletes only when told to.
+  std::vector<int> fixCategories;
+  if (options.verb == Verb::kFix) {
+    const auto root = InstallRootOf(report.workerPath);
+    fixCategories = FixCategories(options, root ? *root + L"\\" + kSettingsFileName : L"");
+    const std::string scope = FixScopeText(fixCategories);
+    if (!options.yes) {
+      return finish(nullptr, {"refused",
+                              report.command + " deletes for good what the worker's last scan found in: " + scope +
+                                  "; add --yes to go ahead",
+                              2});
+    }
+    if (!options.json) Print("fixing    " + scope + "\n");
+    if (!options.backupPath.empty() && attached) {
+      return finish(nullptr, {"failed",
+                              "--backup needs a worker that overseer starts, whose findings it can know: close the "
+                              "running worker first",
+                              1});
+    }
+  }
+
   // Settings go in before the worker starts, so nothing runs if they can't.
   report.settingsWritten = SettingsEntries(options, options.mode == L"o");
   if (!report.settingsWritten.empty() || !plan) {
@@ -137,9 +160,22 @@ int wmain(int argc, wchar_t** argv) {
           std::to_string(report.workerPid) + ")\n");
   }
   report.browserRows = MeasureBrowserRows(options, report.workerPath);
-  if (!options.json) {
-    if (report.browserRows) Print(BrowserRowsTable(*report.browserRows));
-    Print("command   " + report.command + " (message " + std::to_string(plan->message) + ")\n");
+  if (!options.json && report.browserRows) Print(BrowserRowsTable(*report.browserRows));
+  if (!options.backupPath.empty()) {
+    // The worker fixes what its own scan found: scan there, then here, and
+    // save what the fix may delete.
+    Options scan;
+    scan.verb = Verb::kScan;
+    const CommandPlan scanPlan = *PlanFor(scan);
+    if (!options.json) Print("command   scan, for the backup (message " + std::to_string(scanPlan.message) + ")\n");
+    const RunOutcome scanned = session.Run(scanPlan, timeoutMs);
+    if (scanned.exitCode != 0) return finish(&session, scanned);
+    std::size_t keys = 0;
+    if (auto error = WriteFixBackup(options.backupPath, fixCategories, report.replies, &keys)) {
+      return finish(&session, {"failed", *error, 1});
+    }
+    if (!options.json) Print("backup    " + Utf8(FullPath(options.backupPath)) + ": " + std::to_string(keys) + " keys\n");
   }
+  if (!options.json) Print("command   " + report.command + " (message " + std::to_string(plan->message) + ")\n");
   return finish(&session, session.Run(*plan, timeoutMs));
 }

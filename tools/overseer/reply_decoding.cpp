@@ -201,7 +201,7 @@ DecodedReply DecodeCopyData(unsigned kind, std::wstring_view text) {
       break;
     case p::kScanRegistry:
       reply.title = "scan: registry";
-      ok = Fill(reply, p::kSepRegistry, CountsThenEmpty(kRegistryNames));
+      ok = Fill(reply, p::kSepRegistry, CountsThenEmpty(p::kRegistryReportNames));
       break;
     case p::kScanExtensions:
       reply.title = "scan: user profile and file extensions";
