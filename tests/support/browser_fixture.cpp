@@ -75,6 +75,10 @@ const TraceRow kFixedRows[] = {
      2, kCookies},
     {kLocal, CHROME L"|stale.tmp|Safe Browsing Cookies-journal", 800, kChrome, kAlways, kCache},
     {kLocal, CHROME L"Default\\History Index 2013-05", 330, kChrome, kAlways, kHistory},
+    // "Cookies" beyond "Default" is looked for with a closing backslash.
+    {kLocal, CHROME L"Default\\Cookies", 1000, kChrome, kAlways, kCookies},
+    {kLocal, CHROME L"Profile 1\\Cookies", 1001, kChrome, kProfiles},
+    {kDrive, L"Cookies", 1002, kChrome, kDriveRoot},
     {kLocal, CHROME L"|Safe Browsing Cookies|Default\\-journal|Default\\history index|Default\\Web Data|"
              L"Default\\Local Storage\\.localstorage", 450, kChrome, kAlways},
     {kLocal, CHROME L"Profile 1\\Cache\\data_0", 2500, kChrome, kProfiles, kCache},
@@ -130,56 +134,39 @@ const TraceRow kFixedRows[] = {
 
 // Files every Chrome profile holds, planted in "Default", in "Profile 1" and
 // at the root of C:, where the extra profile's steps land without one.
-// "Cookies" is taken in "Default" only: elsewhere its path ends in a backslash.
 const struct {
-  const wchar_t* name;
+  const wchar_t* names;
   std::uint32_t size;
   BrowserCategory category;
-  bool beyondDefault = true;
 } kProfileFiles[] = {
-    {L"Cookies", 1000, kCookies, false},
-    {L"Local Storage\\https_example.com_0.localstorage", 4000, kCookies},
-    {L"databases\\Databases.db", 1400, kCookies},
-    {L"Archived History", 1500, kHistory},
-    {L"Visited Links", 1600, kHistory},
-    {L"Current Tabs", 1700, kHistory},
-    {L"Last Tabs", 1800, kHistory},
-    {L"Top Sites", 1900, kHistory},
-    {L"History Provider Cache", 2000, kHistory},
-    {L"Network Action Predictor", 2100, kHistory},
-    {L"JumpListIcons\\a.ico", 2200, kHistory},
-    {L"JumpListIconsOld\\b.ico", 2300, kHistory},
+    {L"Local Storage\\https_example.com_0.localstorage|databases\\Databases.db", 4000, kCookies},
+    {L"Archived History|Visited Links|Current Tabs|Last Tabs|Top Sites|History Provider Cache|"
+     L"Network Action Predictor|JumpListIcons\\a.ico|JumpListIconsOld\\b.ico", 1500, kHistory},
     {L"Login Data", 2400, kAutocomplete},
-    {L"Current Session", 2500, kSession},
-    {L"Last Session", 2600, kSession},
+    {L"Current Session|Last Session", 2500, kSession},
     {L"History", 2700, kDownloadHistory},  // the browsing history database as well
 };
 
 const std::vector<TraceRow>& Rows() {
   static const std::vector<TraceRow> rows = [] {
+    std::vector<TraceRow> listed(std::begin(kFixedRows), std::end(kFixedRows));
+    for (const auto& file : kProfileFiles) {
+      const std::wstring names = std::wstring(L"|") + file.names;
+      listed.push_back({kLocal, CHROME L"Default\\" + names, file.size, kChrome, kAlways, file.category});
+      listed.push_back({kLocal, CHROME L"Profile 1\\" + names, file.size + 1, kChrome, kProfiles, file.category});
+      listed.push_back({kDrive, names, file.size + 2, kChrome, kDriveRoot, file.category});
+    }
     std::vector<TraceRow> all;
-    for (const TraceRow& row : kFixedRows) {
+    for (const TraceRow& row : listed) {
       const size_t bar = row.path.find(L'|');
-      if (bar == std::wstring::npos) {
-        all.push_back(row);
-        continue;
-      }
+      if (bar == std::wstring::npos) all.push_back(row);
       std::uint32_t size = row.size;
-      for (size_t at = bar; at != std::wstring::npos; size += 10) {
-        const size_t next = row.path.find(L'|', at + 1);
+      for (size_t at = bar; at != std::wstring::npos; at = row.path.find(L'|', at + 1), size += 10) {
         TraceRow one = row;
-        one.path = row.path.substr(0, bar) + row.path.substr(at + 1, next - at - 1);
+        one.path = row.path.substr(0, bar) + row.path.substr(at + 1, row.path.find(L'|', at + 1) - at - 1);
         one.size = size;
         all.push_back(std::move(one));
-        at = next;
       }
-    }
-    for (const auto& file : kProfileFiles) {
-      const std::optional<BrowserCategory> beyond =
-          file.beyondDefault ? std::optional(file.category) : std::nullopt;
-      all.push_back({kLocal, CHROME L"Default\\" + std::wstring(file.name), file.size, kChrome, kAlways, file.category});
-      all.push_back({kLocal, CHROME L"Profile 1\\" + std::wstring(file.name), file.size + 1, kChrome, kProfiles, beyond});
-      all.push_back({kDrive, file.name, file.size + 2, kChrome, kDriveRoot, beyond});
     }
     return all;
   }();
