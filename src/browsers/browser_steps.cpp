@@ -2,11 +2,33 @@
 
 #include <optional>
 
+#include "browsers/url_cache_cookies.h"
+#include "common/known_folders.h"
+#include "common/registry_key.h"
+
 namespace scourel {
 
 namespace {
 
 constexpr wchar_t kFirefoxProfiles[] = L"\\Mozilla\\Firefox\\Profiles\\";
+
+bool IsFolderTreatment(Treatment treatment) {
+  switch (treatment) {
+    case Treatment::kSingleFile:
+    case Treatment::kKeyValues:
+    case Treatment::kUrlCacheCookies: return false;
+    default: return true;
+  }
+}
+
+// A key's values are counted when it opens with full access; a clean deletes
+// it with everything below it whether or not it opened.
+void TakeKeyValues(const TaskContext& context, const std::wstring& path, Tally tally) {
+  if (const OpenedKey opened = OpenRegKey(HKEY_CURRENT_USER, path, KEY_ALL_ACCESS)) {
+    tally.count.add(static_cast<std::int32_t>(CountsOf(opened.get()).values));
+  }
+  if (context.erasing()) ::SHDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
+}
 
 // One run of one category: the conditions, the profile name and Chrome's
 // extra profile are worked out when first needed and then kept.
@@ -17,18 +39,29 @@ class StepRunner {
 
   void Run(const BrowserStep& step) {
     if (!Passes(step.gate)) return;
-    // Base folders are fetched afresh for every location.
-    const std::optional<std::wstring> base = BaseFolder(step.base);
-    if (!base) return;
-    const std::wstring path = *base + L"\\" + std::wstring(step.path);
+    const std::optional<std::wstring> location = Location(step);
+    if (!location) return;
     BrowserTotals& totals = context_.totals.browser;
-    if (step.treatment == Treatment::kSingleFile) {
-      walker_.VisitFile(path, totals.cell(step.browser, category_).tally());
-      return;
+    const protocol::BrowserCategory column = step.column.value_or(category_);
+    CountAndBytes& cell = totals.cell(step.browser, column);
+    switch (step.treatment) {
+      case Treatment::kSingleFile:
+        if (walker_.VisitFile(*location, cell.tally())) AlsoCount(step.also, 1);
+        return;
+      case Treatment::kKeyValues:
+        TakeKeyValues(context_, *location, cell.tally());
+        return;
+      case Treatment::kUrlCacheCookies:
+        // The entries are counted apart from the cell; their bytes join it.
+        TakeUrlCacheCookies(context_, *location, {totals.ieCookieEntries, cell.bytes});
+        return;
+      default:
+        break;
     }
     totals.ZeroCurrent();
-    walker_.VisitFolder(path + L"\\", step.treatment);
-    totals.AddCurrentTo(step.browser, category_);
+    walker_.VisitFolder(*location, step.treatment);
+    totals.AddCurrentTo(step.browser, column);
+    AlsoCount(step.also, totals.current.count.get());
   }
 
  private:
@@ -43,13 +76,13 @@ class StepRunner {
       case Gate::kAlways: return true;
       case Gate::kFirefoxData: return FirefoxPathPresent(LocalAppData());
       case Gate::kFirefoxProfile: return FirefoxPathPresent(RoamingAppData());
-      case Gate::kChromeDefault: {
-        const std::wstring local = LocalAppData();
-        return !local.empty() && PathPresent(local + L"\\Google\\Chrome\\User Data\\Default");
-      }
+      case Gate::kChromeDefault: return Below(LocalAppData(), L"\\Google\\Chrome\\User Data\\Default");
       case Gate::kSafariNamedProfile:
         // A relative name: it is looked up in the current directory.
         return !ProfileName().empty() && PathPresent(ProfileName());
+      case Gate::kSafariRoaming: return Below(RoamingAppData(), L"\\Apple Computer\\Safari");
+      case Gate::kSafariCookies: return Below(RoamingAppData(), L"\\Apple Computer\\Safari\\Cookies");
+      case Gate::kOperaNewFolder: return Below(LocalAppData(), L"\\Opera Software\\Opera Stable");
       case Gate::kExtraChromeProfile:
         if (!SearchesExtraChromeProfile(version_)) return false;
         extraProfile_ = FindExtraChromeProfile(context_);
@@ -58,6 +91,10 @@ class StepRunner {
       case Gate::kOperaNew: return Opera() == OperaLayout::kNew;
     }
     return false;
+  }
+
+  static bool Below(const std::wstring& base, const wchar_t* rest) {
+    return !base.empty() && PathPresent(base + rest);
   }
 
   bool FirefoxPathPresent(const std::wstring& base) {
@@ -80,8 +117,33 @@ class StepRunner {
       // Without a "Profile" folder this is empty, and the location becomes
       // a folder at the root of the current drive: kept so.
       case Base::kChromeExtra: return extraProfile_;
+      case Base::kWindows: return below(WindowsDirectoryWithBackslash(), L"");
+      case Base::kCurrentUser:
+      case Base::kUrlCache: return std::wstring();
     }
     return std::nullopt;
+  }
+
+  // The base, fetched afresh, joined with the step's path, and a closing
+  // backslash for a folder.
+  std::optional<std::wstring> Location(const BrowserStep& step) {
+    if (step.base == Base::kCurrentUser || step.base == Base::kUrlCache) return std::wstring(step.path);
+    std::optional<std::wstring> location = BaseFolder(step.base);
+    if (!location) return std::nullopt;
+    if (!step.path.empty()) {
+      if (location->empty() || location->back() != L'\\') *location += L'\\';
+      *location += step.path;
+    }
+    if (IsFolderTreatment(step.treatment) && step.treatment != Treatment::kIndexFilesBare) *location += L'\\';
+    return location;
+  }
+
+  void AlsoCount(AlsoCounted also, std::int32_t count) {
+    switch (also) {
+      case AlsoCounted::kNowhere: return;
+      case AlsoCounted::kFirefoxOfflineCacheCounter: context_.totals.browser.firefoxOfflineCache.add(count); return;
+      case AlsoCounted::kIconsCounter: context_.totals.browser.icons.add(count); return;
+    }
   }
 
   const std::wstring& ProfileName() {
@@ -98,7 +160,7 @@ class StepRunner {
   protocol::BrowserCategory category_;
   OsVersion version_;
   LocationWalker walker_;
-  std::optional<bool> gates_[static_cast<int>(Gate::kOperaNew) + 1];
+  std::optional<bool> gates_[static_cast<int>(Gate::kOperaNewFolder) + 1];
   std::optional<std::wstring> profileName_;
   std::optional<std::wstring> extraProfile_;
   std::optional<OperaLayout> opera_;
@@ -109,8 +171,17 @@ class StepRunner {
 CategorySteps StepsOf(protocol::BrowserCategory category) {
   switch (category) {
     case protocol::BrowserCategory::kCache: return {category, CacheSteps()};
-    default: return {category, {}};
+    case protocol::BrowserCategory::kCookies: return {category, CookieSteps()};
+    case protocol::BrowserCategory::kHistory: return {category, HistorySteps()};
+    case protocol::BrowserCategory::kAutocomplete: return {category, LoginSteps()};
+    case protocol::BrowserCategory::kSession: return {category, SessionSteps()};
+    case protocol::BrowserCategory::kDownloadHistory: return {category, DownloadSteps()};
+    case protocol::BrowserCategory::kAddressBar: return {category, AddressBarSteps()};
+    case protocol::BrowserCategory::kProgramFiles: return {category, ProgramFileSteps()};
+    case protocol::BrowserCategory::kIndex: return {category, TrackingCacheSteps()};
+    case protocol::BrowserCategory::kIcons: return {category, IconSteps()};
   }
+  return {category, {}};
 }
 
 void RunCategorySteps(const TaskContext& context, const CategorySteps& steps, OsVersion version) {

@@ -37,10 +37,16 @@ FolderShape ShapeOf(Treatment treatment) {
     case Treatment::kWholeTree: return {L"*.*", Take::kEvery, {}, true, true};
     // Matching folders are listed with the same mask and entered.
     case Treatment::kTempFiles: return {L"*.tmp*", Take::kEvery, {}, true, true};
+    // Folders are neither entered nor removed: "Low" is a location of its own.
+    case Treatment::kTextFiles: return {L"*.txt", Take::kEvery, {}, false, false};
     case Treatment::kJournalFiles: return {L"*.*", Take::kNameHolds, L"-journal", true, false};
     case Treatment::kStorageFiles: return {L"*.*", Take::kNameHolds, L".localstorage", true, false};
-    case Treatment::kIndexFiles: return {L"*.*", Take::kPathHolds, L"Index", false, false};
-    case Treatment::kSingleFile: break;
+    case Treatment::kStoragePaths: return {L"*.*", Take::kPathHolds, L".localstorage", true, false};
+    case Treatment::kIndexFiles:
+    case Treatment::kIndexFilesBare: return {L"*.*", Take::kPathHolds, L"Index", false, false};
+    case Treatment::kSingleFile:
+    case Treatment::kKeyValues:
+    case Treatment::kUrlCacheCookies: break;
   }
   return {};
 }
@@ -75,10 +81,10 @@ void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) 
   if (shape.removeFolders && !context_.stopped()) ::RemoveDirectoryW(folder.c_str());
 }
 
-void LocationWalker::VisitFile(const std::wstring& path, Tally tally) {
+bool LocationWalker::VisitFile(const std::wstring& path, Tally tally) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
-  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return;
-  TakeTraceFile(context_, TraceFile{path, 0, attributes}, kSingleFile, tally);
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return false;
+  return TakeTraceFile(context_, TraceFile{path, 0, attributes}, kSingleFile, tally);
 }
 
 }  // namespace scourel

@@ -13,10 +13,19 @@ namespace scourel {
 enum class Treatment {
   kWholeTree,    // every file at any depth; every visited folder removed once empty
   kTempFiles,    // "*.tmp*" files and folders, these folders removed once empty
+  kTextFiles,    // "*.txt" files of this folder only
   kJournalFiles,  // names holding "-journal" after their first character, any depth
   kStorageFiles,  // names holding ".localstorage" after their first character, any depth
+  kStoragePaths,  // full paths holding ".localstorage" after their first character, any depth
   kIndexFiles,    // full paths holding "Index" after their first character, this folder only
+  // The same on the location exactly as it stands, with no closing
+  // backslash: the listing is the path followed directly by "*.*".
+  kIndexFilesBare,
   kSingleFile,
+  // Not walked: the value count of a key under HKEY_CURRENT_USER, and the
+  // URL cache's entries for a search pattern.
+  kKeyValues,
+  kUrlCacheCookies,
 };
 
 // What a folder treatment lists, takes and removes.
@@ -45,8 +54,8 @@ class LocationWalker {
   void VisitFolder(const std::wstring& folder, Treatment treatment);
   // The single-file treatment: when the file opens for reading with share
   // read, it is counted on `tally`, sized through that open and, when
-  // erasing, shredded. A link is left alone.
-  void VisitFile(const std::wstring& path, Tally tally);
+  // erasing, shredded. A link is left alone. True when it was counted.
+  bool VisitFile(const std::wstring& path, Tally tally);
 
  private:
   void Walk(const std::wstring& folder, const FolderShape& shape);

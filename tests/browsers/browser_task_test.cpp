@@ -13,34 +13,39 @@ namespace scourel::test {
 namespace {
 
 // The text of kinds 105, 305 and 306 for what the fixture holds.
-std::wstring ExpectedText(const BrowserFixture& fixture, Mode mode) {
+std::wstring ExpectedText(const BrowserFixture& fixture, const Run& run) {
   std::array<std::int32_t, protocol::kBrowserCategoryCount> counts{};
   std::array<float, protocol::kBrowserCategoryCount> bytes{};
   for (int c = 0; c < protocol::kBrowserCategoryCount; ++c) {
-    const Expected total = fixture.Total(static_cast<protocol::BrowserCategory>(c), mode);
+    const Expected total = fixture.Total(static_cast<protocol::BrowserCategory>(c), run);
     counts[c] = total.count;
     bytes[c] = total.bytes;
   }
   return BrowserText(counts, bytes);
 }
 
-TEST(BrowserTaskTest, CleanRepliesWithEveryBrowsersCachesAndStopRepeatsThem) {
+TEST(BrowserTaskTest, FullCleanRepliesWithEveryCategoryStopRepeatsItAndASecondCleanFindsNothing) {
   // Windows 10 tells a program without a compatibility manifest that it runs on 6.2.
   const WineVersionOf told(L"scourel.exe", L"win10");
   BrowserFixture fixture;
   WorkerHarness worker(L"browser-task");
   ASSERT_TRUE(worker.Started());
-  worker.WriteSetting(L"IDS_CCACHE", L"TRUE");
+  worker.WriteSetting(L"IDS_WIPEALGORITHM", L"3");
+  for (const std::wstring_view key : protocol::kBrowserCategoryKeys) worker.WriteSetting(L"IDS_C" + std::wstring(key), L"TRUE");
   worker.Send(2046);
   const auto done = worker.WaitForCopyData(305);
   ASSERT_TRUE(done);
-  EXPECT_EQ(done->text, ExpectedText(fixture, Mode::kErase));
-  EXPECT_EQ(fixture.Damage(protocol::BrowserCategory::kCache, Mode::kErase), L"");
+  EXPECT_EQ(done->text, ExpectedText(fixture, CleanEverything()));
+  EXPECT_EQ(fixture.Damage(CleanEverything()), L"");
   // The finished first-set task still holds its slot: a stop reports the same totals.
   worker.Send(2048);
   const auto stopped = worker.WaitForCopyData(306);
   ASSERT_TRUE(stopped);
   EXPECT_EQ(stopped->text, done->text);
+  worker.Send(2046);
+  const auto again = worker.WaitForCopyData(305);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->text, BrowserText({}, {}));
 }
 
 TEST(BrowserTaskTest, FullScanSeesTheExtraChromeProfileWhenToldWindows8) {
@@ -55,9 +60,9 @@ TEST(BrowserTaskTest, FullScanSeesTheExtraChromeProfileWhenToldWindows8) {
     worker.Send(2087);
     const auto scanned = worker.WaitForCopyData(105);
     ASSERT_TRUE(scanned);
-    EXPECT_EQ(scanned->text, ExpectedText(fixture, Mode::kMeasure));
+    EXPECT_EQ(scanned->text, ExpectedText(fixture, ScanRun()));
     ASSERT_TRUE(worker.WaitForCopyData(106));
-    EXPECT_EQ(fixture.Damage(protocol::BrowserCategory::kCache, Mode::kMeasure), L"");
+    EXPECT_EQ(fixture.Damage(ScanRun()), L"");
   }
 }
 

@@ -78,19 +78,21 @@ TEST(OverseerExeTest, ScanAndBrowserCleanShowPerBrowserRows) {
   BrowserFixture fixture({.extraProfile = false, .safariGate = false});
   Installed worker(L"overseer-browser-rows");
   const auto cache = protocol::BrowserCategory::kCache;
-  const std::string chrome = std::to_string(fixture.Of(protocol::Browser::kChrome, cache, Mode::kMeasure).count);
+  const std::string chrome = std::to_string(fixture.Of(protocol::Browser::kChrome, cache, ScanRun()).count);
 
   OverseerRun run = RunOverseer(worker.Worker(L"--json --timeout 60 scan"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_NE(run.out.find("\"browser_rows\": {\"measured_by\": \"overseer\""), npos) << run.out;
   EXPECT_NE(run.out.find("\"chrome\": {\"cache\": " + chrome + ", "), npos) << run.out;
+  const auto icons = fixture.Of(protocol::Browser::kOpera, protocol::BrowserCategory::kIcons, ScanRun()).count;
+  EXPECT_NE(run.out.find("\"firefox_offline_cache\": 1, \"icons\": " + std::to_string(icons) + "}"), npos);
 
   run = RunOverseer(worker.Worker(L"--timeout 60 --browser cache clean browser"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_TRUE(std::regex_search(run.out, std::regex("\n {10}chrome +" + chrome + " "))) << run.out;
-  const std::string erased = std::to_string(fixture.Total(cache, Mode::kErase).count);
+  const std::string erased = std::to_string(fixture.Total(cache, CleanRun(cache)).count);
   EXPECT_TRUE(std::regex_search(run.out, std::regex("cache +" + erased + " "))) << run.out;
-  EXPECT_EQ(fixture.Damage(cache, Mode::kErase), L"");
+  EXPECT_EQ(fixture.Damage(CleanRun(cache)), L"");
 }
 
 TEST(OverseerExeTest, AttachesToARunningWorkerStopsAndClosesIt) {

@@ -1,15 +1,17 @@
 // Five browsers' profiles in their real layouts, planted in the sandbox
 // profile's application data from one table of rows: files of known sizes
-// where the browser cleaners look, and decoys beside them that must survive.
-// Shared by the browser tests and the demo's planting program; a further
-// category is a further set of rows.
+// and registry keys of known value counts where the browser cleaners look,
+// and decoys beside them that must survive. Shared by the browser tests and
+// the demo's planting program; a further place is a further row.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <ostream>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "common/unique_handle.h"
 #include "protocol/categories.h"
@@ -18,28 +20,40 @@
 
 namespace scourel::test {
 
-enum class Root { kLocal, kRoaming };
+enum class Root {
+  kLocal,
+  kRoaming,
+  kWindows,
+  kDrive,  // the root of C:, planted by every test program for its whole run
+  kKey,    // a key under HKEY_CURRENT_USER; its size is its number of values
+};
 
-// Which scenarios plant a row, and in which its category takes it.
+// Which scenarios plant a row, and in which its category takes it. A row
+// without a category is a decoy: planted with its group, never taken.
 enum class Group {
-  kCore,      // planted and taken always
-  kDecoy,     // beside a named location: planted always, never taken
-  kHeld,      // a decoy held open without share read while the fixture lives
-  kOldOpera,  // the old Opera layout: taken whenever planted
-  kNewOpera,  // the new Opera layout: taken only without the old one
-  kProfile1,  // Chrome's first "Profile" folder: taken when the version searches for it
-  kProfile2,  // a later "Profile" folder: planted with the first, never taken
-  kSafariGate,  // taken when the current directory holds the Firefox profile's name
+  kAlways,        // planted always; taken always
+  kHeld,          // held open without share read, unless the scenario holds nothing: then taken
+  kOldOpera,      // the old Opera layout: taken whenever planted
+  kNewOpera,      // the new Opera layout: taken only without the old one
+  kNewOperaAny,   // the new Opera layout: taken whenever planted
+  kProfiles,      // Chrome's "Profile" folders: taken when the version searches for the first
+  kSafariGate,    // taken when the current directory holds the Firefox profile's name
+  kSafariRoaming,  // Safari's roaming folder: taken whenever planted
+  kSafariLocal,   // planted always, taken when Safari's roaming folder is planted
+  kDriveRoot,     // taken when the version searches for an extra profile and there is none
+  kDriveRootHere,  // the same, when the current directory is the root of C:
 };
 
 struct TraceRow {
   Root root;
-  const wchar_t* path;  // a closing backslash plants an empty folder
+  std::wstring path;  // a closing backslash plants an empty folder
   std::uint32_t size;
   protocol::Browser browser;
   Group group;
-  int scanCount = 1;  // a scan counts it once for every step that reaches it
-  protocol::BrowserCategory category = protocol::BrowserCategory::kCache;
+  std::optional<protocol::BrowserCategory> category = std::nullopt;  // the first that takes it
+  int scanCount = 1;  // a scan counts it once for every step of its category that reaches it
+  std::optional<protocol::BrowserCategory> alsoScanned = std::nullopt;  // a later category whose scan counts it
+  std::optional<protocol::BrowserCategory> column = std::nullopt;  // where it is counted, when not its category
 };
 
 // The first row is planted read-only.
@@ -51,28 +65,46 @@ struct BrowserScenario {
   bool profiles = true;      // "Profile 1" and "Profile 2" beside "Default"
   bool extraProfile = true;  // the version searches for the extra profile
   bool safariGate = true;    // run from a folder holding one named as the Firefox profile
+  bool safari = true;        // Safari's roaming folder
+  bool held = true;          // the held rows are held open
   const wchar_t* profilePath = L"Profiles/abcd.default";  // "Path" of [Profile0]
 };
+
+// The categories a run goes through, in the order of the switches.
+struct Run {
+  Mode mode;
+  std::array<bool, protocol::kBrowserCategoryCount> categories{};
+};
+Run ScanRun();  // what the full scan measures
+Run CleanRun(protocol::BrowserCategory category);
+Run CleanEverything();
 
 struct Expected {
   std::int32_t count = 0;
   float bytes = 0.0f;
   bool operator==(const Expected&) const = default;
   friend std::ostream& operator<<(std::ostream& out, const Expected& e) {
-    return out << e.count << " files, " << e.bytes << " bytes";
+    return out << e.count << " items, " << e.bytes << " bytes";
   }
 };
 
 bool Plants(const BrowserScenario& scenario, const TraceRow& row);
-// The rows and profiles.ini, left in place.
+// The rows (but those at the root of C:) and profiles.ini, left in place.
 void PlantBrowserTraces(const BrowserScenario& scenario);
-// Removes every folder the rows plant in, whatever left it there.
+// Removes every folder and key the rows plant in, whatever left it there.
 void RemoveBrowserRoots();
 std::wstring PathOf(const TraceRow& row);
 
-// The planted profiles, a file held open inside a cache, a link inside a
-// cache to a canary, and the current directory the scenario asks for; all
-// removed or restored on destruction.
+// The rows at the root of C:, where the extra-profile steps land when no
+// "Profile" folder exists. Every test program plants them for its whole run
+// and checks them byte for byte at its end.
+void PlantDriveRootTraces();
+std::wstring DriveRootDamage();
+void RemoveDriveRootTraces();
+
+// The planted profiles, the held files, a link inside a cache to a canary,
+// and the current directory the scenario asks for; all removed or restored
+// on destruction.
 class BrowserFixture {
  public:
   explicit BrowserFixture(const BrowserScenario& scenario = {});
@@ -80,18 +112,20 @@ class BrowserFixture {
   BrowserFixture(const BrowserFixture&) = delete;
   BrowserFixture& operator=(const BrowserFixture&) = delete;
 
-  bool Takes(const TraceRow& row, protocol::BrowserCategory category) const;
-  Expected Of(protocol::Browser browser, protocol::BrowserCategory category, Mode mode) const;
+  // Whether the scenario lets the row's category take it.
+  bool Takes(const TraceRow& row) const;
+  // What a run counts in one browser's cell of one category.
+  Expected Of(protocol::Browser browser, protocol::BrowserCategory category, const Run& run) const;
   // The category's total over the five browsers, as the replies carry it.
-  Expected Total(protocol::BrowserCategory category, Mode mode) const;
-  // Empty when every row is as it should be after a run of `category` in
-  // `mode` and the canary is intact; otherwise what is not.
-  std::wstring Damage(protocol::BrowserCategory category, Mode mode) const;
+  Expected Total(protocol::BrowserCategory category, const Run& run) const;
+  // Empty when every row is as it should be after the run and the canary is
+  // intact; otherwise what is not.
+  std::wstring Damage(const Run& run) const;
 
  private:
   BrowserScenario scenario_;
   std::wstring previousDirectory_;
-  UniqueHandleKernel held_;
+  std::vector<UniqueHandleKernel> held_;
   CanaryTree canary_;
   std::wstring link_;
 };
@@ -107,11 +141,5 @@ class WineVersionOf {
  private:
   std::wstring key_;
 };
-
-// "\Cache" at the root of drive C:, where the extra-profile cache step lands
-// when no "Profile" folder exists: every test program plants a canary tree
-// there, which every scan counts and must leave as it was.
-inline constexpr wchar_t kRootCache[] = L"C:\\Cache";
-inline constexpr Expected kRootCacheFiles{4, 5051.0f};  // CanaryTree's files
 
 }  // namespace scourel::test

@@ -1,6 +1,5 @@
 // Entry of every test program: checks the sandbox before any test runs.
 #include <cstdio>
-#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -9,23 +8,19 @@
 
 namespace {
 
-// Every test runs with its current directory on C:, where a worker's cache
-// step for a missing Chrome profile lands in "C:\Cache": a decoy planted
-// there must come through every test unchanged.
+// Every test runs with its current directory on C:, where a worker's steps
+// for a missing Chrome profile land ("C:\Cache", "C:\Login Data", ...):
+// decoys planted there must come through every test unchanged.
 class CurrentDriveDecoy : public testing::Environment {
  public:
   void SetUp() override {
     ::SetCurrentDirectoryW(L"C:\\");
-    scourel::test::RemoveTree(scourel::test::kRootCache);
-    decoy_.emplace(scourel::test::kRootCache);
+    scourel::test::PlantDriveRootTraces();
   }
   void TearDown() override {
-    EXPECT_EQ(decoy_->Damage(), L"");
-    scourel::test::RemoveTree(scourel::test::kRootCache);
+    EXPECT_EQ(scourel::test::DriveRootDamage(), L"");
+    scourel::test::RemoveDriveRootTraces();
   }
-
- private:
-  std::optional<scourel::test::CanaryTree> decoy_;
 };
 
 }  // namespace

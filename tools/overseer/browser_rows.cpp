@@ -81,6 +81,9 @@ std::optional<BrowserRows> MeasureBrowserRows(const Options& options, const std:
       rows.bytes[b][c] = cell.bytes.get();
     }
   }
+  rows.ieCookieEntries = totals.browser.ieCookieEntries.get();
+  rows.firefoxOfflineCache = totals.browser.firefoxOfflineCache.get();
+  rows.icons = totals.browser.icons.get();
   return rows;
 }
 
@@ -100,7 +103,9 @@ std::string BrowserRowsTable(const BrowserRows& rows) {
     }
     out += Line(line);
   }
-  return out;
+  return out + Padded("", 10) + "also counted: ie_cookie_entries " + std::to_string(rows.ieCookieEntries) +
+         ", firefox_offline_cache " + std::to_string(rows.firefoxOfflineCache) + ", icons " +
+         std::to_string(rows.icons) + "\n";
 }
 
 std::string BrowserRowsJson(const BrowserRows& rows) {
@@ -116,7 +121,9 @@ std::string BrowserRowsJson(const BrowserRows& rows) {
     }
     out += "}";
   }
-  return out + "}}";
+  return out + "}, \"also_counted\": {\"ie_cookie_entries\": " + std::to_string(rows.ieCookieEntries) +
+         ", \"firefox_offline_cache\": " + std::to_string(rows.firefoxOfflineCache) +
+         ", \"icons\": " + std::to_string(rows.icons) + "}}";
 }
 
 }  // namespace overseer

@@ -21,6 +21,10 @@ struct BrowserRows {
   std::array<std::array<std::int32_t, scourel::protocol::kBrowserCategoryCount>, scourel::protocol::kBrowserCount>
       counts{};
   std::array<std::array<float, scourel::protocol::kBrowserCategoryCount>, scourel::protocol::kBrowserCount> bytes{};
+  // The counters the worker keeps beside its totals and never reports.
+  std::int32_t ieCookieEntries = 0;
+  std::int32_t firefoxOfflineCache = 0;
+  std::int32_t icons = 0;
 };
 
 // Scan: every category the full scan measures. Clean browser: the categories

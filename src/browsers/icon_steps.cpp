@@ -1,0 +1,25 @@
+#include "browsers/browser_steps.h"
+
+namespace scourel {
+
+namespace {
+
+using enum protocol::Browser;
+using enum Gate;
+using enum Base;
+using enum Treatment;
+using enum AlsoCounted;
+
+// Opera's jump-list icons, counted in the icons counter as well. The old
+// layout's folder holds its icon cache too.
+constexpr BrowserStep kIconSteps[] = {
+    {kOpera, kOperaOld, kLocal, L"Opera\\Opera\\icons", kWholeTree, {}, kIconsCounter},
+    {kOpera, kOperaNew, kRoaming, L"Opera Software\\Opera Stable\\Jump List Icons", kWholeTree, {}, kIconsCounter},
+    {kOpera, kOperaNew, kRoaming, L"Opera Software\\Opera Stable\\Jump List IconsOld", kWholeTree, {}, kIconsCounter},
+};
+
+}  // namespace
+
+std::span<const BrowserStep> IconSteps() { return kIconSteps; }
+
+}  // namespace scourel
