@@ -87,7 +87,7 @@ struct PlantedShortcuts {
 // without a compatibility manifest. "Windows\system32" is then no reason to
 // look in "Windows\Sysnative", which a 64-bit program does not see: a
 // shortcut into the real System32 is alive and stays.
-TEST(JunkEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
+TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   const std::wstring appKey = L"Software\\Wine\\AppDefaults\\scourel.exe";
   const Cleanup version([&] { ::RegDeleteTreeW(HKEY_CURRENT_USER, appKey.c_str()); });
   SetText(appKey, L"Version", L"win8");
