@@ -19,10 +19,7 @@ std::wstring Entries(const PluginDefinition& plugin) {
 
 TEST(PluginFormatTest, EntriesAsTheProfileFunctionsReadThem) {
   const std::wstring overlong(1200, L'a');
-  const struct {
-    std::wstring text;
-    std::wstring entries;
-  } cases[] = {
+  const struct { std::wstring text, entries; } cases[] = {
       // Gaps are passed over; numbers past the bounds and "01" are never read.
       {L"[Info]\nDelRegKey2=b\nDelRegKey131=x\nDelRegKey130=c\nDelRegValue51=x\nDeleteFile31=x\nDeleteFile01=x",
        L"DelRegKey2=b;DelRegKey130=c;"},
@@ -56,8 +53,7 @@ TEST(PluginFormatTest, EncodingsAndGarbage) {
     EXPECT_FALSE(plugin.hasInfo && !plugin.entries.empty());
   }
   // One endless line, then the section: still read, in linear time.
-  const PluginDefinition late = ReadPlugin(std::wstring(4 << 20, L'=') + L"\n[Info]\nDeleteFile1=x");
-  EXPECT_EQ(Entries(late), L"DeleteFile1=x;");
+  EXPECT_EQ(Entries(ReadPlugin(std::wstring(4 << 20, L'=') + L"\n[Info]\nDeleteFile1=x")), L"DeleteFile1=x;");
 }
 
 }  // namespace

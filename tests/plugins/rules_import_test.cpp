@@ -37,11 +37,14 @@ RegKey1=HKCC\Software\Bar\MRU
 RegKey1=HKCU\Software\FooPlayer2
 )";
 
+// Each plug-in as "[file name|description]" and its entries, then the rules left out.
 std::wstring Summary(const ImportedSection& section) {
   std::wstring out;
-  for (const ImportedPlugin& plugin : section.plugins)
-    out += L"[" + plugin.fileName + L"]" + PluginText(plugin.definition);
-  out += L"skipped:";
+  for (const ImportedPlugin& plugin : section.plugins) {
+    out += L"[" + plugin.fileName + L"|" + plugin.definition.description + L"]";
+    for (const PluginEntry& entry : plugin.definition.entries) out += entry.name() + L"=" + entry.value + L";";
+  }
+  out += L" skipped:";
   for (const SkippedRule& skipped : section.skipped) out += L" " + skipped.key;
   return out;
 }
@@ -50,21 +53,15 @@ TEST(RulesImportTest, ConvertsWhatAPluginDoesAlikeAndListsTheRest) {
   const auto sections = ImportRules(kSample, SystemPluginFolders());
   ASSERT_EQ(sections.size(), 3u);
   EXPECT_EQ(Summary(sections[0]),
-            L"[Foo Player]" +
-                PluginText({true,
-                            L"Foo Player *",
-                            {{EntryKind::kKey, 1, L"HKEY_CLASSES_ROOT\\Software\\FooPlayer\\Recent"},
-                             {EntryKind::kKey, 2, L"HKEY_LOCAL_MACHINE\\.DEFAULT\\Software\\FooPlayer"},
-                             {EntryKind::kValue, 1, L"HKEY_CLASSES_ROOT\\Software\\FooPlayer,LastFolder"},
-                             {EntryKind::kFile, 1, L"%LocalAppData%\\FooPlayer\\Cache"},
-                             {EntryKind::kFile, 2, L"%AppData%\\FooPlayer\\*.log"},
-                             {EntryKind::kFile, 3, L"%AppData%\\FooPlayer\\history.dat"}}}) +
-                L"skipped: Detect DetectFile FileKey3 FileKey4 FileKey5 FileKey6 FileKey7 FileKey8 RegKey3 Warning");
+            L"[Foo Player|Foo Player *]DelRegKey1=HKEY_CLASSES_ROOT\\Software\\FooPlayer\\Recent;"
+            L"DelRegKey2=HKEY_LOCAL_MACHINE\\.DEFAULT\\Software\\FooPlayer;"
+            L"DelRegValue1=HKEY_CLASSES_ROOT\\Software\\FooPlayer,LastFolder;"
+            L"DeleteFile1=%LocalAppData%\\FooPlayer\\Cache;DeleteFile2=%AppData%\\FooPlayer\\*.log;"
+            L"DeleteFile3=%AppData%\\FooPlayer\\history.dat;"
+            L" skipped: Detect DetectFile FileKey3 FileKey4 FileKey5 FileKey6 FileKey7 FileKey8 RegKey3 Warning");
   EXPECT_EQ(sections[0].skipped[6].reason, "the worker refuses it: the Windows folder or what lies directly in it");
   EXPECT_EQ(Summary(sections[1]),
-            L"[Bar Editor]" +
-                PluginText({true, L"Bar Editor *", {{EntryKind::kKey, 1, L"HKEY_USERS\\Software\\Bar\\MRU"}}}) +
-                L"skipped: ExcludeKey1 FileKey1");
+            L"[Bar Editor|Bar Editor *]DelRegKey1=HKEY_USERS\\Software\\Bar\\MRU; skipped: ExcludeKey1 FileKey1");
   EXPECT_EQ(sections[2].plugins.at(0).fileName, L"Foo Player [2]");  // names stay unique
 
   std::wstring big = L"[Big]\n";

@@ -19,8 +19,6 @@ TEST(JunkPathsTest, NameTests) {
   EXPECT_TRUE(ContainsAfterFirst(L"C:\\Start Menu\\Accessories\\x.lnk", L"Accessories"));
   EXPECT_FALSE(ContainsAfterFirst(L"Accessories\\x.lnk", L"Accessories"));
   EXPECT_FALSE(ContainsAfterFirst(L"C:\\accessories\\x.lnk", L"Accessories"));
-  EXPECT_EQ(DriveOf(L"D:\\a:b"), L"D");
-  EXPECT_EQ(ParentOf(L"C:\\Users\\alice\\"), L"C:\\Users\\alice");
 }
 
 TEST(JunkPathsTest, SysnativeRewriteIsExactAndCaseSensitive) {

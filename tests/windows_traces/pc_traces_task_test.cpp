@@ -1,19 +1,13 @@
 // The PC-traces task driven through real window messages.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <regex>
 
-#include "protocol/messages.h"
 #include "support/worker_harness.h"
 #include "windows_traces/traces_fixture.h"
 
 namespace scourel::test {
 namespace {
-
-using namespace protocol;
-
-std::string Narrow(const std::wstring& text) { return std::string(text.begin(), text.end()); }
 
 class PcTracesTaskTest : public ::testing::Test {
  protected:
@@ -29,19 +23,14 @@ class PcTracesTaskTest : public ::testing::Test {
 TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"b", L"notepad\\1"}, {L"MRUList", L"ba"}});
   PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
-  ASSERT_TRUE(::OpenClipboard(nullptr));
-  ::EmptyClipboard();
-  HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, sizeof L"secret");
-  std::memcpy(::GlobalLock(memory), L"secret", sizeof L"secret");
-  ::GlobalUnlock(memory);
-  ::SetClipboardData(CF_UNICODETEXT, memory);
+  ASSERT_TRUE(::OpenClipboard(nullptr) && ::EmptyClipboard());
+  ::SetClipboardData(CF_UNICODETEXT, ::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, 64));
   ::CloseClipboard();
   ASSERT_TRUE(::IsClipboardFormatAvailable(CF_UNICODETEXT));
   WorkerHarness worker(L"pctraces-first");
   ASSERT_TRUE(worker.Started());
   worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"TRUE");
   worker.WriteSetting(L"IDS_CPCFINDFILES", L"TRUE");
-  worker.WriteSetting(L"IDS_PCDOCUMENT", L"TRUE");  // the other family: off here
 
   EXPECT_EQ(worker.Send(2049), 0);
   const auto done = worker.WaitForCopyData(303);
@@ -56,7 +45,7 @@ TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
     EXPECT_FALSE(progress.sent);
   }
   EXPECT_EQ(step, 6u);
-  EXPECT_EQ(Narrow(done->text), "0\\pc 3\\pc 2\\pc 0\\pc 0\\pc 0\\pc 0");
+  EXPECT_EQ(done->text, L"0\\pc 3\\pc 2\\pc 0\\pc 0\\pc 0\\pc 0");
   EXPECT_EQ(done->cbData, 522u);
   EXPECT_FALSE(KeyPresent(kRunMruKey));
   EXPECT_FALSE(KeyPresent(kWordWheelKey));
@@ -90,9 +79,9 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   const auto stopped = worker.WaitForCopyData(304, 10000);
   ASSERT_TRUE(stopped);
   // Reliable up to the fifth counter and its separator.
-  const std::string text = Narrow(stopped->text);
-  std::smatch match;
-  ASSERT_TRUE(std::regex_search(text, match, std::regex(R"(^(\d+)\\pc 0\\pc 0\\pc 0\\pc 0\\pc)"))) << text;
+  std::wsmatch match;
+  ASSERT_TRUE(std::regex_search(stopped->text, match, std::wregex(LR"(^(\d+)\\pc 0\\pc 0\\pc 0\\pc 0\\pc)")))
+      << testing::PrintToString(stopped->text);
   EXPECT_GT(std::stoi(match[1]), 0);
   EXPECT_LT(std::stoi(match[1]), kShortcuts);
 
@@ -103,31 +92,6 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   EXPECT_GT(leftAtStop, 0);
   EXPECT_EQ(left(), leftAtStop);
   EXPECT_TRUE(KeyPresent(kRunMruKey));  // the run-history step never came
-}
-
-TEST_F(PcTracesTaskTest, FullScanReportsTheCountersAndThreeSizes) {
-  PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"MRUList", L"a"}});
-  PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
-  // Both application-data folders; on the drive root only a "FOUND.nnn" folder counts.
-  const SizedFiles planted = {{ShellFolderPath(CSIDL_RECENT) + L"\\pctraces-scan.lnk", 1024},
-                              {ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 2048},
-                              {ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 1024},
-                              {L"C:\\FOUND.000\\FILE0000.CHK", 512}, {L"C:\\FOUND.000x\\FILE0000.CHK", 4}};
-  const Cleanup plantedFiles([&] {
-    for (const auto& [path, size] : planted) ::DeleteFileW(path.c_str());
-    for (const wchar_t* found : {L"C:\\FOUND.000", L"C:\\FOUND.000x"}) RemoveTree(found);
-  });
-  PlantSized(planted, 'p');
-
-  WorkerHarness worker(L"pctraces-scan");
-  ASSERT_TRUE(worker.Started());
-  worker.Send(2087);
-  const auto scan = worker.WaitForCopyData(104, 300000);
-  for (const auto& [path, size] : planted) EXPECT_TRUE(PathExists(path)) << path;  // a scan erases nothing
-  ASSERT_TRUE(scan);
-  EXPECT_EQ(Narrow(scan->text),
-            "1\\pc   1.00 KB\\pc 2\\pc 2\\pc 0\\pc 2\\pc   3.00 KB\\pc 1\\pc   0.50 KB\\pc 0");
-  EXPECT_TRUE(KeyPresent(kRunMruKey));
 }
 
 }  // namespace

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "common/com_init.h"
+#include "common/registry_key.h"
 #include "common/unique_handle.h"
 #include "task/task_totals.h"
 #include "support/fixtures.h"
-#include "windows_traces/dead_shortcuts.h"
 #include "common/known_folders.h"
 #include "support/task_fixture.h"
 
@@ -25,12 +25,6 @@ inline std::wstring PublicDesktopDir() {
 }
 inline std::wstring CommonStartMenuDir() {
   return WindowsDir().substr(0, 3) + L"ProgramData\\Microsoft\\Windows\\Start Menu";
-}
-
-inline std::uint64_t FileSize(const std::wstring& path) {
-  WIN32_FILE_ATTRIBUTE_DATA data{};
-  if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return 0;
-  return (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
 }
 
 // Saves a shell link to `target` and checks that it reads back unchanged.
@@ -47,18 +41,9 @@ inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& tar
          SUCCEEDED(link->GetPath(back, 1024, nullptr, 2)) && target == back;
 }
 
-// Cleans until stable, so that Wine's own dead shortcuts stay out of a test's numbers.
-inline void CleanAwayExistingDeadShortcuts() {
-  for (int i = 0; i < 3; ++i) {
-    g_totals.junkSecond.set(0);
-    DeadShortcuts(kErase);
-    if (g_totals.junkSecond.get() == 0) break;
-  }
-  g_totals.junkSecond.set(0);
-  g_totals.byteTotal.set(0.0f);
+inline void EmptyBin() {
+  ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
 }
-
-inline void EmptyBin() { ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND); }
 
 // Writes `count` files of `size` bytes in `folder` and deletes them to the Recycle Bin.
 inline bool PlantRecycledFiles(const std::wstring& folder, int count, std::size_t size) {
@@ -80,11 +65,10 @@ inline bool PlantRecycledFiles(const std::wstring& folder, int count, std::size_
 // Under Wine every drive root's query reports the one shared bin.
 inline int DriveRootCount() { return std::popcount(static_cast<unsigned>(::GetLogicalDrives())); }
 
-// What SHQueryRecycleBinW reports for C:, as {items, bytes}.
-inline std::pair<std::int64_t, std::int64_t> QueryBin() {
+// The items SHQueryRecycleBinW reports for C:.
+inline std::int64_t BinItems() {
   SHQUERYRBINFO info{sizeof info, 0, 0};
-  if (FAILED(::SHQueryRecycleBinW(L"C:\\", &info))) return {-1, -1};
-  return {info.i64NumItems, info.i64Size};
+  return SUCCEEDED(::SHQueryRecycleBinW(L"C:\\", &info)) ? info.i64NumItems : -1;
 }
 
 inline constexpr wchar_t kExplorerKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
@@ -114,14 +98,11 @@ inline void ResetPcCounters() {
 }
 
 inline bool KeyPresent(const std::wstring& path) {
-  UniqueRegKey key;
-  return ::RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS;
+  return static_cast<bool>(OpenRegKey(HKEY_CURRENT_USER, path, KEY_READ));
 }
 
 inline void SetValue(const std::wstring& path, const std::wstring& name, DWORD type, const void* data, DWORD bytes) {
-  UniqueRegKey key;
-  ::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(), nullptr);
-  ::RegSetValueExW(key.get(), name.c_str(), 0, type, static_cast<const BYTE*>(data), bytes);
+  ::RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), type, data, bytes);
 }
 
 inline void SetText(const std::wstring& path, const std::wstring& name, const std::wstring& text) {
@@ -131,8 +112,6 @@ inline void SetText(const std::wstring& path, const std::wstring& name, const st
 // Creates the key afresh with the values, in this order.
 inline void PlantList(const std::wstring& path, const std::vector<std::pair<std::wstring, std::wstring>>& values) {
   ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
-  UniqueRegKey key;
-  ::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(), nullptr);
   for (const auto& [name, text] : values) SetText(path, name, text);
 }
 
@@ -147,16 +126,16 @@ inline void RemoveHistoryKeys() {
 class RegistryCanary {
  public:
   RegistryCanary() {
-    for (const auto& [path, name] : Expected()) SetText(path, name, L"canary");
+    for (const auto& [path, name] : places_) SetText(path, name, L"canary");
   }
   ~RegistryCanary() {
-    ::RegDeleteTreeW(HKEY_CURRENT_USER, kSibling);
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, places_[2].first.c_str());
     ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kExplorerKey, L"RunMRU");
   }
   // Empty when everything is still there.
   std::wstring Damage() const {
     std::wstring damage;
-    for (const auto& [path, name] : Expected()) {
+    for (const auto& [path, name] : places_) {
       wchar_t text[64] = {};
       DWORD bytes = sizeof text;
       if (::RegGetValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), RRF_RT_REG_SZ, nullptr, text, &bytes) ||
@@ -168,12 +147,10 @@ class RegistryCanary {
   }
 
  private:
-  static constexpr wchar_t kSibling[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRUKeep";
-  std::vector<std::pair<std::wstring, std::wstring>> Expected() const {
-    return {{scratch_.path(), L"keep"}, {scratch_.path() + L"\\sub", L"keep"}, {kSibling, L"keep"},
-            {kExplorerKey, L"RunMRU"}};
-  }
   ScratchKey scratch_{L"pctraces-canary"};
+  const std::vector<std::pair<std::wstring, std::wstring>> places_{
+      {scratch_.path(), L"keep"}, {scratch_.path() + L"\\sub", L"keep"}, {kRunMruKey + L"Keep", L"keep"},
+      {kExplorerKey, L"RunMRU"}};
 };
 
 }  // namespace scourel::test

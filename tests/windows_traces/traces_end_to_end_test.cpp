@@ -1,0 +1,180 @@
+// The Windows-traces replies of a real worker carry exactly the planted
+// numbers: the full scan's junk-file, shortcut, PC-traces and Recycle Bin
+// records, then the junk-file, shortcut and Recycle Bin tasks.
+#include <gtest/gtest.h>
+
+#include "protocol/reply_text.h"
+#include "protocol/size_text.h"
+#include "support/worker_harness.h"
+#include "windows_traces/junk_files.h"
+#include "windows_traces/traces_fixture.h"
+
+namespace scourel::test {
+namespace {
+
+// Junk in the real places the task walks, with links from the temp and
+// report folders to a canary that must survive.
+struct PlantedJunk {
+  explicit PlantedJunk(const std::wstring& tag) {
+    const std::wstring windows = WindowsDir();
+    const std::wstring sharedWer = windows.substr(0, 3) + L"ProgramData\\Microsoft\\Windows\\WER\\" + tag;
+    const std::wstring userWer = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Windows\\WER\\" + tag;
+    wchar_t temp[MAX_PATH + 2] = {};
+    ::GetTempPathW(MAX_PATH + 2, temp);
+    tempSub = temp + tag;
+    MakeDirs(tempSub + L"\\nested\\deeper");
+    // Two temporary files (first counter); a dump, two logs, two reports (second).
+    erased = {{tempSub + L"\\readonly.tmp", 1000}, {windows + L"\\temp\\" + tag + L".tmp", 300},
+              {windows + L"\\Logs\\CBS\\" + tag + L"\\CBS.log", 250}, {windows + L"\\" + tag + L".LOG", 60},
+              {sharedWer + L"\\ReportQueue\\Report.wer", 100}, {userWer + L"\\Report.wer", 50}};
+    PlantSized(erased, 'j');
+    MakeReadOnly(erased[0].first);
+    dump = windows + L"\\Minidump\\" + tag + L".dmp";
+    PlantFile(dump, std::string(700, 'd'));
+    cleanup = {tempSub, erased[1].first, dump, windows + L"\\Logs\\CBS\\" + tag, erased[3].first, sharedWer, userWer};
+    for (const std::wstring& link : {tempSub + L"\\link-to-canary", sharedWer + L"\\link-to-canary"}) {
+      ok = MakeUnixSymlink(canary.root(), link) && ok;
+    }
+  }
+  ~PlantedJunk() {
+    for (const std::wstring& path : cleanup) RemoveTree(path);
+  }
+  ScratchDir canaryDir{L"junk-e2e-canary"};
+  CanaryTree canary{canaryDir.path()};
+  std::wstring tempSub, dump;
+  SizedFiles erased;
+  std::vector<std::wstring> cleanup;
+  bool ok = true;
+  const float bytes = 1000 + 300 + 700 + 250 + 60 + 100 + 50;
+};
+
+// Shortcuts in the three places the shortcut walk visits. The dead ones in
+// the Start Menu and on the public desktop go; a live one, one to a folder,
+// one into System32, a dead one in Accessories and a dead one reached only
+// through a folder link to the canary stay.
+struct PlantedShortcuts {
+  explicit PlantedShortcuts(const std::wstring& canary) : canaryLink(canary + L"\\dead-in-canary.lnk") {
+    MakeDirs(targets / L"folder");
+    for (const wchar_t* name : {L"alive.txt", L"gone.txt", L"gone2.txt"}) WriteFileBytes(targets / name, "x");
+    WriteFileBytes(system32, "probe");
+    for (const std::wstring& folder : {profile, menu, accessories, PublicDesktopDir()}) MakeDirs(folder);
+    for (const std::wstring& link : dead) ok = CreateShortcut(link, targets / L"gone.txt") && ok;
+    for (const auto& [link, target] : kept) ok = CreateShortcut(link, target) && ok;
+    ok = CreateShortcut(canaryLink, targets / L"gone2.txt") && MakeUnixSymlink(canary, profile + L"\\linked") && ok;
+    canaryBytes = ReadFileBytes(canaryLink);
+    for (const wchar_t* name : {L"gone.txt", L"gone2.txt"}) ::DeleteFileW((targets / name).c_str());
+    deadSize = ReadFileBytes(dead[0]).size() + ReadFileBytes(dead[1]).size();
+  }
+  ~PlantedShortcuts() {
+    for (const std::wstring& path : {profile, menu, accessories, dead[0], system32}) RemoveTree(path);
+  }
+  ScratchDir targets{L"junk-e2e-targets"};
+  const std::wstring profile = ShellFolderPath(CSIDL_PROFILE) + L"\\scourel-e2e";
+  const std::wstring menu = CommonStartMenuDir() + L"\\Programs\\scourel-e2e";
+  const std::wstring accessories = CommonStartMenuDir() + L"\\Programs\\Accessories\\scourel-e2e";
+  const std::wstring system32 = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-e2e-probe.txt";
+  const std::wstring dead[2] = {PublicDesktopDir() + L"\\scourel-e2e-dead.lnk", menu + L"\\dead.lnk"};
+  const std::pair<std::wstring, std::wstring> kept[4] = {
+      {profile + L"\\live.lnk", targets / L"alive.txt"}, {profile + L"\\folder.LNK", targets / L"folder"},
+      {accessories + L"\\dead.lnk", targets / L"gone.txt"}, {profile + L"\\system32.lnk", system32}};
+  const std::wstring canaryLink;
+  std::string canaryBytes;
+  std::uint64_t deadSize = 0;
+  bool ok = true;
+};
+
+// The worker runs as Windows 6.2, as Windows 8.1 and later tell a program
+// without a compatibility manifest. "Windows\system32" is then no reason to
+// look in "Windows\Sysnative", which a 64-bit program does not see: a
+// shortcut into the real System32 is alive and stays.
+TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
+  const std::wstring appKey = L"Software\\Wine\\AppDefaults\\scourel.exe";
+  const Cleanup version([&] { ::RegDeleteTreeW(HKEY_CURRENT_USER, appKey.c_str()); });
+  SetText(appKey, L"Version", L"win8");
+  ASSERT_TRUE(KeyPresent(appKey));
+  WorkerHarness worker(L"junk-e2e");
+  ASSERT_TRUE(worker.Started());
+  // First clean away what the sandbox holds of its own.
+  worker.Send(2034);
+  ASSERT_TRUE(worker.WaitFor(2035));
+  worker.Send(2040);
+  ASSERT_TRUE(worker.WaitFor(2041));
+  EmptyBin();
+  // What stays counted after a clean (crash dumps, for one).
+  ResetForJunkFileScan(g_totals);
+  JunkFiles(kMeasure);
+  const std::int32_t baseFirst = g_totals.junkFirst.get(), baseSecond = g_totals.junkSecond.get();
+  const float baseBytes = g_totals.byteTotal.get();
+  ResetForJunkFileScan(g_totals);
+
+  PlantedJunk junk(L"junk-e2e");
+  PlantedShortcuts shortcuts(junk.canary.root());
+  ASSERT_TRUE(junk.ok && shortcuts.ok);
+  ASSERT_TRUE(PlantRecycledFiles(shortcuts.targets / L"bin", 3, 1000));
+  const int roots = DriveRootCount();
+  // One entry in each history list, a shortcut in Recent, a file in each
+  // credentials folder; on the drive root only a "FOUND.nnn" folder counts.
+  const Cleanup lists(RemoveHistoryKeys);
+  PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"MRUList", L"a"}});
+  PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
+  const SizedFiles traces = {{ShellFolderPath(CSIDL_RECENT) + L"\\pctraces-scan.lnk", 1024},
+                             {ShellFolderPath(CSIDL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 2048},
+                             {ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Credentials\\pctraces-scan", 1024},
+                             {L"C:\\FOUND.000\\FILE0000.CHK", 512}, {L"C:\\FOUND.000x\\FILE0000.CHK", 4}};
+  const Cleanup tracesFiles = RemovedAtEnd(
+      {traces[0].first, traces[1].first, traces[2].first, L"C:\\FOUND.000", L"C:\\FOUND.000x"});
+  PlantSized(traces, 'p');
+
+  // The full scan measures and erases nothing.
+  worker.Send(2087);
+  const auto scanJunk = worker.WaitForCopyData(101);
+  const auto scanShortcuts = worker.WaitForCopyData(102);
+  const auto scanPc = worker.WaitForCopyData(104, 300000);
+  const auto scanBin = worker.WaitForCopyData(103);
+  ASSERT_TRUE(worker.WaitForCopyData(106));  // the scan has ended
+  ASSERT_TRUE(scanJunk && scanShortcuts && scanPc && scanBin);
+  const float junkBytes = baseBytes + junk.bytes;
+  EXPECT_EQ(scanJunk->text, JunkScanText(baseFirst + 2, junkBytes, baseSecond + 5));
+  EXPECT_EQ(scanShortcuts->text, L"2\\s0.00 KB");
+  EXPECT_EQ(scanPc->text, L"1\\pc   1.00 KB\\pc 2\\pc 2\\pc 0\\pc 2\\pc   3.00 KB\\pc 1\\pc   0.50 KB\\pc 0");
+  EXPECT_EQ(scanBin->text, RecycleBinScanText(3 * roots, 3000.0f * static_cast<float>(roots)));
+  for (const auto& [path, size] : junk.erased) EXPECT_TRUE(PathExists(path)) << path;
+  for (const auto& [path, size] : traces) EXPECT_TRUE(PathExists(path)) << path;
+  for (const std::wstring& link : shortcuts.dead) EXPECT_TRUE(PathExists(link)) << link;
+  EXPECT_TRUE(KeyPresent(kRunMruKey));
+  EXPECT_EQ(BinItems(), 3);
+
+  // The clean then reports the same numbers.
+  worker.Send(2034);
+  const auto junkDone = worker.WaitFor(2035);
+  ASSERT_TRUE(junkDone);
+  EXPECT_EQ(static_cast<std::int32_t>(junkDone->wParam), baseFirst + baseSecond + 7);
+  EXPECT_EQ(static_cast<std::int64_t>(junkDone->lParam), ReplyBytes(junkBytes));
+  for (const auto& [path, size] : junk.erased) EXPECT_FALSE(PathExists(path)) << path;
+  EXPECT_TRUE(PathExists(junk.dump));
+  EXPECT_FALSE(PathExists(junk.tempSub + L"\\nested"));
+  EXPECT_TRUE(PathExists(junk.tempSub));
+
+  worker.Send(2040);
+  const auto shortcutsDone = worker.WaitFor(2041);
+  ASSERT_TRUE(shortcutsDone);
+  EXPECT_EQ(shortcutsDone->wParam, 2u);
+  EXPECT_EQ(static_cast<std::int64_t>(shortcutsDone->lParam), static_cast<std::int64_t>(shortcuts.deadSize));
+  for (const std::wstring& link : shortcuts.dead) EXPECT_FALSE(PathExists(link)) << link;
+  for (const auto& [link, target] : shortcuts.kept) EXPECT_TRUE(PathExists(link)) << link;
+  EXPECT_TRUE(PathExists(shortcuts.system32));
+  EXPECT_EQ(ReadFileBytes(shortcuts.canaryLink), shortcuts.canaryBytes);
+
+  // The Recycle Bin task adds to the byte total the shortcut task left.
+  worker.Send(2052);
+  const auto binDone = worker.WaitFor(2053);
+  ASSERT_TRUE(binDone);
+  EXPECT_EQ(static_cast<std::int32_t>(binDone->wParam), 3 * roots);
+  EXPECT_EQ(static_cast<std::int64_t>(binDone->lParam),
+            ReplyBytes(static_cast<float>(shortcuts.deadSize) + 3000.0f * static_cast<float>(roots)));
+  EXPECT_EQ(BinItems(), 0);
+  EXPECT_EQ(junk.canary.Damage(), L"");
+}
+
+}  // namespace
+}  // namespace scourel::test
