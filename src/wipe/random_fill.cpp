@@ -29,3 +29,32 @@ void FillFromRuntime(std::uint8_t* bytes, std::size_t length) {
 }
 
 }  // namespace scourel
+
+namespace scourel {
+
+void RandomPassSource::Fill(std::uint8_t* bytes, std::size_t length) {
+  if (!stream_ || sinceKey_ >= kRekeyBytes) {
+    stream_.reset();
+    // Acquiring a context initialises the whole CryptoAPI: one serves every
+    // key of this shredder.
+    if (!context_) context_ = AcquireRandomContext();
+    std::uint8_t seed[ChaCha20::kKeyBytes + ChaCha20::kNonceBytes];
+    if (!FillFromContext(context_.get(), seed, sizeof seed)) {
+      context_.reset();
+      FillFromRuntime(bytes, length);
+      return;
+    }
+    stream_.emplace(seed, seed + ChaCha20::kKeyBytes);
+    ::SecureZeroMemory(seed, sizeof seed);
+    sinceKey_ = 0;
+  }
+  stream_->Generate(bytes, length);
+  sinceKey_ += length;
+}
+
+void RandomPassSource::Release() {
+  stream_.reset();
+  context_.reset();
+}
+
+}  // namespace scourel

@@ -4,7 +4,6 @@
 #include <initializer_list>
 #include <iterator>
 
-#include "wipe/random_fill.h"
 
 namespace scourel {
 
@@ -140,15 +139,7 @@ void CEraserJunkData::AddTriplePass(std::uint8_t b0, std::uint8_t b1, std::uint8
 void CEraserJunkData::AddRandomPass() {
   PassNode& node = PushPass();
   const std::size_t length = std::size_t{passLength_};
-  // One context serves every random pass until the shredder releases it:
-  // acquiring one initialises the whole CryptoAPI and costs far more than
-  // the bytes. A failed acquisition or generation is retried on the next
-  // pass, as a fresh context per pass would be.
-  if (!randomContext_) randomContext_ = AcquireRandomContext();
-  if (!FillFromContext(randomContext_.get(), node.bytes.get(), length)) {
-    randomContext_.reset();
-    FillFromRuntime(node.bytes.get(), length);
-  }
+  random_.Fill(node.bytes.get(), length);
 }
 
 void CEraserJunkData::PopPass() {

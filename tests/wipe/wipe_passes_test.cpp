@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "wipe/obscure_name.h"
+#include "wipe/chacha20.h"
 #include "wipe/random_fill.h"
 
 namespace scourel {
@@ -47,6 +49,53 @@ TEST(RandomFill, RuntimeFallbackFormulaAndNullContext) {
   FillFromRuntime(bytes.data(), bytes.size());
   EXPECT_NE(std::count(bytes.begin(), bytes.end(), bytes[0]), 1000);
   EXPECT_FALSE(FillFromContext(0, bytes.data(), bytes.size()));  // what sends a pass to the fallback
+}
+
+std::vector<std::uint8_t> FromHex(const char* hex) {
+  std::vector<std::uint8_t> bytes;
+  for (; hex[0] && hex[1]; hex += 2) bytes.push_back(static_cast<std::uint8_t>(std::stoi(std::string(hex, 2), nullptr, 16)));
+  return bytes;
+}
+
+// RFC 8439: A.1 vectors 1 and 2, and the stream of 2.4.2 (its ciphertext
+// xor its plaintext), taken in uneven pieces that cross the four-block chunks.
+TEST(ChaCha20, MatchesTheRfc8439Vectors) {
+  const std::string sunscreen =
+      "Ladies and Gentlemen of the class of '99: If I could offer you only one tip for the future, sunscreen would be it.";
+  const struct {
+    const char* key;
+    const char* nonce;
+    std::uint32_t counter;
+    const char* stream;
+    const std::string& plain;
+  } cases[] = {
+      {"", "000000000000000000000000", 0,
+       "76b8e0ada0f13d90405d6ae55386bd28bdd219b8a08ded1aa836efcc8b770dc7da41597c5157488d7724e03fb8d84a376a43b8f41518a11cc387b669b2ee6586",
+       std::string()},
+      {"", "000000000000000000000000", 1,
+       "9f07e7be5551387a98ba977c732d080dcb0f29a048e3656912c6533e32ee7aed29b721769ce64e43d57133b074d839d531ed1f28510afb45ace10a1f4b794d6f",
+       std::string()},
+      {"000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f", "000000000000004a00000000", 1,
+       "6e2e359a2568f98041ba0728dd0d6981e97e7aec1d4360c20a27afccfd9fae0bf91b65c5524733ab8f593dabcd62b3571639d624e65152ab8f530c359f0861d8"
+       "07ca0dbf500d6a6156a38e088a22b65e52bc514d16ccf806818ce91ab77937365af90bbf74a35be6b40b8eedf2785e42874d",
+       sunscreen},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::uint8_t> key = FromHex(c.key), expected = FromHex(c.stream);
+    key.resize(32);
+    for (std::size_t i = 0; i < c.plain.size(); ++i) expected[i] ^= static_cast<std::uint8_t>(c.plain[i]);
+    for (std::size_t piece : {std::size_t{1}, std::size_t{7}, std::size_t{64}, std::size_t{300}}) {
+      ChaCha20 stream(key.data(), FromHex(c.nonce).data(), c.counter);
+      std::vector<std::uint8_t> got(expected.size() + 600);
+      for (std::size_t at = 0; at < got.size(); at += piece) stream.Generate(&got[at], std::min(piece, got.size() - at));
+      EXPECT_EQ(std::vector<std::uint8_t>(got.begin(), got.begin() + expected.size()), expected) << c.stream << piece;
+      // The blocks after the vector's are the same whatever the pieces.
+      ChaCha20 whole(key.data(), FromHex(c.nonce).data(), c.counter);
+      std::vector<std::uint8_t> once(got.size());
+      whole.Generate(once.data(), once.size());
+      EXPECT_EQ(got, once) << piece;
+    }
+  }
 }
 
 TEST(ObscuredPath, KeepsOnlyLengthAndLastPoint) {
