@@ -16,7 +16,45 @@ namespace {
 using protocol::Payload;
 using protocol::Task;
 
-bool Silenced(const TaskThread* from) { return from != nullptr && from->stopped(); }
+// A task decides on a reply, and reads and resets the values it carries,
+// under its stop flag: a reply is decided before the stop, with what was
+// counted until then, or not at all. Sending waits for the controller, so it
+// happens outside: a reply decided just before a stop may still arrive just
+// after the stop's own.
+template <typename Decide>
+bool Committed(const TaskThread* from, Decide&& decide) {
+  if (from == nullptr) {
+    decide();
+    return true;
+  }
+  return from->stop().RunUnlessRaised(decide);
+}
+
+void Deliver(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam) {
+  const HWND controller = FindController();
+  if (!controller) return;
+  if (delivery == protocol::Delivery::kPost) {
+    ::PostMessageW(controller, id, wParam, lParam);
+  } else {
+    ::SendMessageW(controller, id, wParam, lParam);
+  }
+}
+
+void SendRecord(unsigned kind, const std::wstring& text) {
+  const HWND controller = FindController();
+  if (!controller) return;
+  const std::uint32_t cbData = protocol::RecordBytes(kind);
+  std::vector<std::uint8_t> buffer = CopyDataBuffer(text, cbData);
+  COPYDATASTRUCT record{};
+  record.dwData = kind;
+  record.cbData = cbData;
+  record.lpData = buffer.data();
+  const bool fromTask = kind >= protocol::kPcTracesDone;
+  const HWND sender = fromTask ? g_commandWindow : controller;
+  // SendMessageW returns only once the controller has read the record, so the
+  // buffer can go with this frame.
+  ::SendMessageW(controller, WM_COPYDATA, reinterpret_cast<WPARAM>(sender), reinterpret_cast<LPARAM>(&record));
+}
 
 WPARAM WorkerWindowParam() { return reinterpret_cast<WPARAM>(g_commandWindow); }
 
@@ -60,32 +98,17 @@ std::wstring BrowserTotalsText() {
 
 HWND FindController() { return ::FindWindowW(protocol::kControllerClass, nullptr); }
 
-void DeliverMessage(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam, const TaskThread* from) {
-  if (Silenced(from)) return;
-  const HWND controller = FindController();
-  if (!controller) return;
-  if (delivery == protocol::Delivery::kPost) {
-    ::PostMessageW(controller, id, wParam, lParam);
-  } else {
-    ::SendMessageW(controller, id, wParam, lParam);
-  }
+bool DeliverMessage(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam, const TaskThread* from) {
+  if (!Committed(from, [] {})) return false;
+  Deliver(id, delivery, wParam, lParam);
+  return true;
 }
 
-void SendCopyData(unsigned kind, const std::wstring& text, const TaskThread* from) {
-  if (Silenced(from)) return;
-  const HWND controller = FindController();
-  if (!controller) return;
-  const std::uint32_t cbData = protocol::RecordBytes(kind);
-  std::vector<std::uint8_t> buffer = CopyDataBuffer(text, cbData);
-  COPYDATASTRUCT record{};
-  record.dwData = kind;
-  record.cbData = cbData;
-  record.lpData = buffer.data();
-  const bool fromTask = kind >= protocol::kPcTracesDone;
-  const HWND sender = fromTask ? g_commandWindow : controller;
-  // SendMessageW returns only once the controller has read the record, so the
-  // buffer can go with this frame.
-  ::SendMessageW(controller, WM_COPYDATA, reinterpret_cast<WPARAM>(sender), reinterpret_cast<LPARAM>(&record));
+bool SendTotalsRecord(unsigned kind, const std::function<std::wstring()>& make, const TaskThread* from) {
+  std::wstring text;
+  if (!Committed(from, [&] { text = make(); })) return false;
+  SendRecord(kind, text);
+  return true;
 }
 
 std::wstring TaskRecordText(unsigned kind) {
@@ -96,28 +119,31 @@ std::wstring TaskRecordText(unsigned kind) {
   }
 }
 
-void DeliverTaskReply(const protocol::TaskSpec& task, const protocol::Reply& reply, const TaskThread* from) {
+bool DeliverTaskReply(const protocol::TaskSpec& task, const protocol::Reply& reply, const TaskThread* from) {
   switch (reply.payload) {
     case Payload::kNothing:
-      return;
+      return Committed(from, [] {});
     case Payload::kCountAndBytes: {
       // The counters are reset whether or not a controller hears of them.
-      const std::int32_t count = TakeReplyCount(task.task);
-      const std::int64_t bytes = ReplyBytes(g_totals.byteTotal.get());
-      DeliverMessage(reply.id, reply.delivery, static_cast<WPARAM>(static_cast<INT_PTR>(count)),
-                     static_cast<LPARAM>(bytes), from);
-      return;
+      std::int32_t count = 0;
+      std::int64_t bytes = 0;
+      if (!Committed(from, [&] {
+            count = TakeReplyCount(task.task);
+            bytes = ReplyBytes(g_totals.byteTotal.get());
+          })) {
+        return false;
+      }
+      Deliver(reply.id, reply.delivery, static_cast<WPARAM>(static_cast<INT_PTR>(count)), static_cast<LPARAM>(bytes));
+      return true;
     }
     case Payload::kWorkerWindow:
-      DeliverMessage(reply.id, reply.delivery, WorkerWindowParam(), 0, from);
-      return;
+      return DeliverMessage(reply.id, reply.delivery, WorkerWindowParam(), 0, from);
     case Payload::kZeros:
-      DeliverMessage(reply.id, reply.delivery, 0, 0, from);
-      return;
+      return DeliverMessage(reply.id, reply.delivery, 0, 0, from);
     case Payload::kCopyData:
-      SendCopyData(reply.kind, TaskRecordText(reply.kind), from);
-      return;
+      return SendTotalsRecord(reply.kind, [&] { return TaskRecordText(reply.kind); }, from);
   }
+  return false;
 }
 
 }  // namespace scourel

@@ -20,6 +20,7 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   // A symbolic link is deleted itself; its target is never written, and its
   // attributes are not touched either (setting them would reach the target).
   if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+    if (Raised(stop_)) return ShredOutcome::kStopped;
     RenameAndDelete(path);
     return ShredOutcome::kDeletedWithoutOverwrite;
   }
@@ -70,6 +71,8 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   }
   io_.Close(file);
   ReleaseRandomContext();
+  // A stop during the last cluster or the flush still leaves the name alone.
+  if (Raised(stop_)) return ShredOutcome::kStopped;
 
   RenameAndDelete(path);
   return outcome;
