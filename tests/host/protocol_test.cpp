@@ -224,6 +224,21 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
   }
 }
 
+TEST(WorkerProtocolTest, SecondSetPcTracesStopsTheTaskThatReplacedIt) {
+  WorkerHarness worker(L"proto-pc-later");
+  ASSERT_TRUE(worker.Started());
+  // Whichever of the two ends first, the first to end finds the other in the
+  // slot (or itself, then the other finds it): one of them stops the other.
+  worker.Send(2073);
+  worker.Send(2073);
+  const auto stopped = worker.WaitFor(2075, 30000);
+  ASSERT_TRUE(stopped);
+  EXPECT_EQ(stopped->wParam, reinterpret_cast<WPARAM>(worker.worker()));
+  worker.ClearReceived();
+  worker.Send(2075);
+  EXPECT_TRUE(NothingArrives(worker)) << "the slot is empty";
+}
+
 TEST(WorkerProtocolTest, CloseEndsTheWorkerWithCodeZero) {
   WorkerHarness worker(L"proto-close");
   ASSERT_TRUE(worker.Started());
