@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "common/win.h"
 #include "registry_cleaner/registry_fix.h"
 #include "support/fixtures.h"
+#include "support/random_text.h"
 #include "support/task_fixture.h"
 
 namespace scourel {
@@ -28,6 +31,18 @@ TEST(SettingsTest, WipeIndexAcceptsExactlyOneDigitZeroToEight) {
   for (const auto& [value, index] : cases) {
     auto parsed = ParseWipeIndex(value);
     EXPECT_EQ(parsed ? static_cast<int>(*parsed) : -1, index) << testing::PrintToString(std::wstring(value));
+  }
+}
+
+TEST(SettingsTest, RandomValuesAreOnOrAnIndexOnlyWhenExact) {
+  std::mt19937 random(2058);
+  for (int i = 0; i < 100000; ++i) {
+    const std::wstring value = test::RandomText(random, {L"TRUE", L"true", L"T", L"0", L"8", L"9", L" "}, 3);
+    ASSERT_EQ(IsSwitchOn(value), value == L"TRUE") << testing::PrintToString(value);
+    const std::optional<std::uint32_t> index = ParseWipeIndex(value);
+    const bool digit = value.size() == 1 && value[0] >= L'0' && value[0] <= L'8';
+    ASSERT_EQ(index.has_value(), digit) << testing::PrintToString(value);
+    ASSERT_TRUE(!digit || *index == static_cast<std::uint32_t>(value[0] - L'0'));
   }
 }
 

@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
+#include "support/random_text.h"
 #include "wipe/obscure_name.h"
 #include "wipe/chacha20.h"
 #include "wipe/random_fill.h"
@@ -109,6 +111,19 @@ TEST(ObscuredPath, KeepsOnlyLengthAndLastPoint) {
       {L"C:\\d\\", L"C:\\d\\"},
       {L"C:\\d\\\u00e9t\u00e9.txt", L"C:\\d\\xxx.xxx"}};
   for (const auto& [path, expected] : cases) EXPECT_EQ(ObscuredPath(path), expected);
+}
+
+TEST(ObscuredPath, AnyPathKeepsItsFolderTheLengthOfItsNameAndItsLastPoint) {
+  std::mt19937 random(2040);
+  for (int i = 0; i < 100000; ++i) {
+    const std::wstring path = test::RandomText(random, {L"\\", L".", L"..", L"C:", L"name", L"x", L" "});
+    const std::wstring obscured = ObscuredPath(path);
+    ASSERT_EQ(obscured.size(), path.size()) << testing::PrintToString(path);
+    const std::size_t name = path.rfind(L'\\') == std::wstring::npos ? 0 : path.rfind(L'\\') + 1;
+    const std::size_t point = path.find(L'.', name) == std::wstring::npos ? std::wstring::npos : path.rfind(L'.');
+    ASSERT_EQ(obscured.compare(0, name, path, 0, name), 0) << testing::PrintToString(path);
+    for (std::size_t k = name; k < path.size(); ++k) ASSERT_EQ(obscured[k], k == point ? L'.' : L'x');
+  }
 }
 
 }  // namespace
