@@ -1,6 +1,7 @@
 #include "host/replies.h"
 
 #include <array>
+#include <utility>
 #include <vector>
 
 #include "host/worker_state.h"
@@ -16,11 +17,12 @@ namespace {
 using protocol::Payload;
 using protocol::Task;
 
-// A task decides on a reply, and reads and resets the values it carries,
-// under its stop flag: a reply is decided before the stop, with what was
-// counted until then, or not at all. Sending waits for the controller, so it
-// happens outside: a reply decided just before a stop may still arrive just
-// after the stop's own.
+// A task decides on a reply, reads and resets the values it carries, and
+// finds the controller under its stop flag: a reply is decided before the
+// stop, with what was counted until then, or not at all. A post never waits,
+// so it goes out under the flag too, before the stop can answer. A send waits
+// for the controller (which may be sending this very stop), so it goes out
+// just after: a reply decided just before a stop can trail the stop's own.
 template <typename Decide>
 bool Committed(const TaskThread* from, Decide&& decide) {
   if (from == nullptr) {
@@ -30,18 +32,7 @@ bool Committed(const TaskThread* from, Decide&& decide) {
   return from->stop().RunUnlessRaised(decide);
 }
 
-void Deliver(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam) {
-  const HWND controller = FindController();
-  if (!controller) return;
-  if (delivery == protocol::Delivery::kPost) {
-    ::PostMessageW(controller, id, wParam, lParam);
-  } else {
-    ::SendMessageW(controller, id, wParam, lParam);
-  }
-}
-
-void SendRecord(unsigned kind, const std::wstring& text) {
-  const HWND controller = FindController();
+void SendRecord(HWND controller, unsigned kind, const std::wstring& text) {
   if (!controller) return;
   const std::uint32_t cbData = protocol::RecordBytes(kind);
   std::vector<std::uint8_t> buffer = CopyDataBuffer(text, cbData);
@@ -54,6 +45,25 @@ void SendRecord(unsigned kind, const std::wstring& text) {
   // SendMessageW returns only once the controller has read the record, so the
   // buffer can go with this frame.
   ::SendMessageW(controller, WM_COPYDATA, reinterpret_cast<WPARAM>(sender), reinterpret_cast<LPARAM>(&record));
+}
+
+// A numeric message whose values `take` reads (and resets) when the task
+// commits to it.
+bool DeliverValues(unsigned id, protocol::Delivery delivery, const std::function<std::pair<WPARAM, LPARAM>()>& take,
+                   const TaskThread* from) {
+  std::pair<WPARAM, LPARAM> values;
+  HWND controller = nullptr;
+  if (!Committed(from, [&] {
+        values = take();
+        controller = FindController();
+        if (controller && delivery == protocol::Delivery::kPost) {
+          ::PostMessageW(controller, id, values.first, values.second);
+        }
+      })) {
+    return false;
+  }
+  if (controller && delivery == protocol::Delivery::kSend) ::SendMessageW(controller, id, values.first, values.second);
+  return true;
 }
 
 WPARAM WorkerWindowParam() { return reinterpret_cast<WPARAM>(g_commandWindow); }
@@ -99,15 +109,19 @@ std::wstring BrowserTotalsText() {
 HWND FindController() { return ::FindWindowW(protocol::kControllerClass, nullptr); }
 
 bool DeliverMessage(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam, const TaskThread* from) {
-  if (!Committed(from, [] {})) return false;
-  Deliver(id, delivery, wParam, lParam);
-  return true;
+  return DeliverValues(id, delivery, [&] { return std::pair{wParam, lParam}; }, from);
 }
 
 bool SendTotalsRecord(unsigned kind, const std::function<std::wstring()>& make, const TaskThread* from) {
   std::wstring text;
-  if (!Committed(from, [&] { text = make(); })) return false;
-  SendRecord(kind, text);
+  HWND controller = nullptr;
+  if (!Committed(from, [&] {
+        text = make();
+        controller = FindController();
+      })) {
+    return false;
+  }
+  SendRecord(controller, kind, text);
   return true;
 }
 
@@ -123,19 +137,16 @@ bool DeliverTaskReply(const protocol::TaskSpec& task, const protocol::Reply& rep
   switch (reply.payload) {
     case Payload::kNothing:
       return Committed(from, [] {});
-    case Payload::kCountAndBytes: {
+    case Payload::kCountAndBytes:
       // The counters are reset whether or not a controller hears of them.
-      std::int32_t count = 0;
-      std::int64_t bytes = 0;
-      if (!Committed(from, [&] {
-            count = TakeReplyCount(task.task);
-            bytes = ReplyBytes(g_totals.byteTotal.get());
-          })) {
-        return false;
-      }
-      Deliver(reply.id, reply.delivery, static_cast<WPARAM>(static_cast<INT_PTR>(count)), static_cast<LPARAM>(bytes));
-      return true;
-    }
+      return DeliverValues(
+          reply.id, reply.delivery,
+          [&] {
+            const std::int32_t count = TakeReplyCount(task.task);
+            return std::pair{static_cast<WPARAM>(static_cast<INT_PTR>(count)),
+                             static_cast<LPARAM>(ReplyBytes(g_totals.byteTotal.get()))};
+          },
+          from);
     case Payload::kWorkerWindow:
       return DeliverMessage(reply.id, reply.delivery, WorkerWindowParam(), 0, from);
     case Payload::kZeros:
