@@ -16,25 +16,6 @@ namespace {
 constexpr std::size_t kBig = 64u << 20;
 constexpr std::size_t kCluster = 4096;
 
-// Sets an environment variable of this process (and so of the worker it
-// starts) for the scope.
-class ScopedEnvironment {
- public:
-  ScopedEnvironment(const wchar_t* name, const std::wstring& value) : name_(name) {
-    wchar_t old[1024];
-    const DWORD length = ::GetEnvironmentVariableW(name, old, 1024);
-    had_ = length > 0 && length < 1024;
-    if (had_) old_.assign(old, length);
-    ::SetEnvironmentVariableW(name, value.c_str());
-  }
-  ~ScopedEnvironment() { ::SetEnvironmentVariableW(name_, had_ ? old_.c_str() : nullptr); }
-
- private:
-  const wchar_t* name_;
-  std::wstring old_;
-  bool had_ = false;
-};
-
 std::set<DWORD> ThreadsOf(DWORD pid) {
   std::set<DWORD> ids;
   UniqueHandleKernel snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
@@ -71,9 +52,13 @@ TEST(StopDuringShredTest, LeavesTheFileUnderItsNameAndAddsNothingAfterTheReply) 
   const std::wstring big = temp + L"\\big.tmp";
   MakeDirs(temp);
   CanaryTree canary(dir / L"canary");
-  // The junk task walks the worker's temporary folder first: ours, holding only the big file.
-  ScopedEnvironment tmp(L"TMP", temp), tempVar(L"TEMP", temp);
+  // The junk task walks the worker's temporary folder first: ours, holding
+  // only the big file. The worker takes it from the environment it inherits.
+  wchar_t tmp[MAX_PATH] = {}, tempVar[MAX_PATH] = {};
+  ::GetEnvironmentVariableW(L"TMP", tmp, MAX_PATH), ::GetEnvironmentVariableW(L"TEMP", tempVar, MAX_PATH);
+  ::SetEnvironmentVariableW(L"TMP", temp.c_str()), ::SetEnvironmentVariableW(L"TEMP", temp.c_str());
   WorkerHarness worker(L"stop-shred-worker");
+  ::SetEnvironmentVariableW(L"TMP", tmp), ::SetEnvironmentVariableW(L"TEMP", tempVar);
   ASSERT_TRUE(worker.Started());
   worker.WriteSetting(L"IDS_WIPEALGORITHM", L"7");
   // An empty Recycle Bin, so that the Recycle Bin task's reply shows the byte total alone.
