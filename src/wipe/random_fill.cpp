@@ -1,6 +1,7 @@
 #include "wipe/random_fill.h"
 
 #include <cstdlib>
+#include <mutex>
 #include <ctime>
 
 namespace scourel {
@@ -32,15 +33,28 @@ void FillFromRuntime(std::uint8_t* bytes, std::size_t length) {
 
 namespace scourel {
 
+namespace {
+
+// Acquiring a provider context costs milliseconds under Wine, far more than
+// the 44 bytes a key takes: one context serves every shredder of the
+// process. A failed acquisition or generation is tried afresh next time.
+bool DrawFromProvider(std::uint8_t* bytes, std::size_t length) {
+  static std::mutex mutex;
+  static UniqueCryptProvider context;
+  const std::lock_guard lock(mutex);
+  if (!context) context = AcquireRandomContext();
+  if (FillFromContext(context.get(), bytes, length)) return true;
+  context.reset();
+  return false;
+}
+
+}  // namespace
+
 void RandomPassSource::Fill(std::uint8_t* bytes, std::size_t length) {
   if (!stream_ || sinceKey_ >= kRekeyBytes) {
     stream_.reset();
-    // Acquiring a context initialises the whole CryptoAPI: one serves every
-    // key of this shredder.
-    if (!context_) context_ = AcquireRandomContext();
     std::uint8_t seed[ChaCha20::kKeyBytes + ChaCha20::kNonceBytes];
-    if (!FillFromContext(context_.get(), seed, sizeof seed)) {
-      context_.reset();
+    if (!DrawFromProvider(seed, sizeof seed)) {
       FillFromRuntime(bytes, length);
       return;
     }
@@ -52,9 +66,6 @@ void RandomPassSource::Fill(std::uint8_t* bytes, std::size_t length) {
   sinceKey_ += length;
 }
 
-void RandomPassSource::Release() {
-  stream_.reset();
-  context_.reset();
-}
+void RandomPassSource::Release() { stream_.reset(); }
 
 }  // namespace scourel

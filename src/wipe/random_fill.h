@@ -32,11 +32,10 @@ class RandomPassSource {
   // Falls back to FillFromRuntime for this call when no context can be had
   // or CryptGenRandom fails; the next call tries again.
   void Fill(std::uint8_t* bytes, std::size_t length);
-  // Drops the context and the key.
+  // Drops the key: the next fill draws a new one.
   void Release();
 
  private:
-  UniqueCryptProvider context_;
   std::optional<ChaCha20> stream_;
   std::uint64_t sinceKey_ = 0;
 };

@@ -42,8 +42,8 @@ class CEraserJunkData {
   const PassNode* head() const { return head_.get(); }
 
  protected:
-  // Drops the provider context and key that random passes share until then.
-  void ReleaseRandomContext() { random_.Release(); }
+  // Drops the key the random passes share: the next file gets a new one.
+  void ReleaseRandomKey() { random_.Release(); }
 
   CDisk volume_;  // cluster geometry of the file being wiped
 
