@@ -44,15 +44,21 @@ TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
   worker.WriteSetting(L"IDS_PCDOCUMENT", L"TRUE");  // the other family: off here
 
   EXPECT_EQ(worker.Send(2049), 0);
+  // The result is sent and the steps posted, so the result can overtake the
+  // last steps: it is waited for first, then the steps in their own order.
+  const auto done = worker.WaitForCopyData(303);
+  ASSERT_TRUE(done);
   for (WPARAM step = 1; step <= 6; ++step) {
-    const auto progress = worker.WaitFor(2082);
+    std::optional<ReceivedMessage> progress;
+    for (const ReceivedMessage& message : worker.Received()) {
+      if (message.id == 2082 && message.wParam == step) progress = message;
+    }
+    if (!progress) progress = worker.WaitFor(2082, 5000);
     ASSERT_TRUE(progress) << step;
     EXPECT_EQ(progress->wParam, step);
     EXPECT_EQ(progress->lParam, 0);
     EXPECT_FALSE(progress->sent);
   }
-  const auto done = worker.WaitForCopyData(303);
-  ASSERT_TRUE(done);
   EXPECT_EQ(Narrow(done->text), "0\\pc 3\\pc 2\\pc 0\\pc 0\\pc 0\\pc 0");
   EXPECT_EQ(done->cbData, 522u);
   EXPECT_FALSE(KeyPresent(kRunMruKey));
