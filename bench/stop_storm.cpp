@@ -173,6 +173,7 @@ class Storm {
   bool slotEmpty_[p::kSlotCount] = {};
   long checked_ = 0;
   long failures_ = 0;
+  std::string history_;  // the commands of the sequence, for failure reports
 };
 
 bool Storm::Open() {
@@ -253,7 +254,7 @@ void Storm::PumpFor(DWORD ms) {
 }
 
 void Storm::Fail(const std::string& what) {
-  if (++failures_ <= 30) std::printf("FAIL: %s\n", what.c_str());
+  if (++failures_ <= 30) std::printf("FAIL: %s (in the sequence%s)\n", what.c_str(), history_.c_str());
 }
 
 bool Storm::StartWorker() {
@@ -290,6 +291,7 @@ void Storm::PlantTemporaryFiles() {
 }
 
 bool Storm::Send(unsigned id) {
+  history_ += " " + std::to_string(id);
   DWORD_PTR result = 0;
   const bool answered = ::SendMessageTimeoutW(worker_, id, 0, 0, SMTO_NORMAL, kCommandTimeoutMs, &result) != 0;
   Pump();
@@ -307,6 +309,8 @@ bool Storm::Send(unsigned id) {
 bool Storm::Start(const Command& command) {
   Record record{command.task, command.set, ++clock_};
   const bool sent = Send(command.id);
+  // A command the ending worker no longer took started nothing.
+  if (!sent) record.must = false;
   records_.push_back(record);
   if (Spec(command.task).slot == p::Slot::kMainThread) {
     // The file-extension fix replies before its command returns.
@@ -320,9 +324,10 @@ bool Storm::Start(const Command& command) {
 bool Storm::Stop(const Command& command, bool settled) {
   const p::TaskSpec& spec = Spec(command.task);
   const long sentAt = ++clock_;
-  const bool sent = Send(command.id);
+  // A stop the ending worker no longer took says nothing about its slot.
+  if (!Send(command.id)) return false;
   // A reply the task decided on just before the stop is sent just after it.
-  if (sent) PumpFor(kTrailMs);
+  PumpFor(kTrailMs);
   const long answered = clock_;
   const p::Reply& expected = spec.sets[command.set].stopped;
   int replies = 0;
@@ -361,10 +366,11 @@ bool Storm::Stop(const Command& command, bool settled) {
     }
   }
   slotEmpty_[slot] = true;
-  return sent;
+  return true;
 }
 
 void Storm::Close() {
+  history_ += " WM_CLOSE";
   ::PostMessageW(worker_, WM_CLOSE, 0, 0);
   EndedWorker(true);
 }
@@ -544,6 +550,7 @@ void Storm::CheckDocumented(const Arrival& arrival) {
 void Storm::RunSequence() {
   arrivals_.clear();
   records_.clear();
+  history_.clear();
   if (!process_ && !StartWorker()) {
     Fail("the worker did not start");
     if (process_) ::TerminateProcess(process_.get(), 1);
