@@ -162,6 +162,7 @@ class Storm {
   scourel::HiddenWindow window_;
   std::mt19937 random_;
   std::vector<Command> commands_;
+  std::vector<Command> noOps_;  // ids that start and stop nothing
   UniqueHandleKernel process_;
   HWND worker_ = nullptr;
   HWND sequenceWorker_ = nullptr;  // the worker of the replies being checked
@@ -194,9 +195,10 @@ bool Storm::Open() {
       if (commands.stop && !shared) commands_.push_back({commands.stop, TaskOf(spec), set, true});
     }
   }
-  // Accepted and ignored, and an id no command has.
-  commands_.push_back({p::kIgnoredCommand});
-  commands_.push_back({2045});
+  // Accepted and ignored, and every id between the commands that no command has.
+  for (unsigned id = 2034; id <= 2088; ++id) {
+    if (!p::FindCommand(id)) noOps_.push_back({id});
+  }
 
   // A worker left behind by anything else would answer our commands.
   while (HWND stray = ::FindWindowW(p::kWorkerClass, nullptr)) {
@@ -567,7 +569,8 @@ void Storm::RunSequence() {
       closed = true;
       break;
     }
-    const Command& command = commands_[random_() % commands_.size()];
+    const Command& command = random_() % 100 < 5 ? noOps_[random_() % noOps_.size()]
+                                                 : commands_[random_() % commands_.size()];
     alive = command.task < 0 ? Send(command.id) : command.stop ? Stop(command) : Start(command);
     if (alive && random_() % 2) PumpFor(random_() % 15);
   }
