@@ -43,6 +43,7 @@ constexpr long kNever = std::numeric_limits<long>::max();
 constexpr DWORD kCommandTimeoutMs = 10000;
 constexpr ULONGLONG kSettleTimeoutMs = 60000;
 constexpr DWORD kTrailMs = 5;
+constexpr ULONGLONG kStartTimeoutMs = 30000;
 const std::wstring kRoot = L"C:\\scourel-storm";
 
 struct Arrival {
@@ -289,9 +290,14 @@ bool Storm::StartWorker() {
   process_.reset(info.hProcess);
   UniqueHandleKernel thread(info.hThread);
   pid_ = info.dwProcessId;
+  // Its own window, not one of a worker still on its way out.
   worker_ = nullptr;
-  for (const ULONGLONG end = ::GetTickCount64() + kCommandTimeoutMs; !worker_ && ::GetTickCount64() < end;) {
-    worker_ = ::FindWindowW(p::kWorkerClass, nullptr);
+  for (const ULONGLONG end = ::GetTickCount64() + kStartTimeoutMs; !worker_ && ::GetTickCount64() < end;) {
+    for (HWND window = nullptr; (window = ::FindWindowExW(nullptr, window, p::kWorkerClass, nullptr)) != nullptr;) {
+      DWORD owner = 0;
+      ::GetWindowThreadProcessId(window, &owner);
+      if (owner == pid_) worker_ = window;
+    }
     if (!worker_) PumpFor(5);
   }
   if (!worker_ || !Send(p::kIgnoredCommand)) return false;
@@ -570,7 +576,7 @@ void Storm::RunSequence() {
   records_.clear();
   history_.clear();
   if (!process_ && !StartWorker()) {
-    Fail("the worker did not start");
+    Fail(worker_ ? "the new worker did not answer" : "the worker's window did not appear within 30 s");
     if (process_) ::TerminateProcess(process_.get(), 1);
     process_.reset();
     return;
