@@ -349,10 +349,9 @@ bool Storm::Start(const Command& command) {
 bool Storm::Stop(const Command& command, bool settled) {
   const p::TaskSpec& spec = Spec(command.task);
   const long sentAt = ++clock_;
-  // A stop the ending worker no longer took says nothing about its slot.
-  if (!Send(command.id)) return false;
+  const bool sent = Send(command.id);
   // A reply the task decided on just before the stop is sent just after it.
-  PumpFor(kTrailMs);
+  if (sent) PumpFor(kTrailMs);
   const long answered = clock_;
   const p::Reply& expected = spec.sets[command.set].stopped;
   int replies = 0;
@@ -363,6 +362,9 @@ bool Storm::Stop(const Command& command, bool settled) {
       ++replies;
     }
   }
+  // A worker that ended in the middle of the stop (the second-set plug-in
+  // clean's end) may or may not have answered: that says nothing of its slot.
+  if (!sent) return false;
   const int slot = static_cast<int>(spec.slot);
   Record* latest = nullptr;
   for (auto it = records_.rbegin(); it != records_.rend() && !latest; ++it) {
