@@ -1,6 +1,7 @@
 #include "host/replies.h"
 
 #include <array>
+#include <utility>
 #include <vector>
 
 #include "host/worker_state.h"
@@ -16,7 +17,54 @@ namespace {
 using protocol::Payload;
 using protocol::Task;
 
-bool Silenced(const TaskThread* from) { return from != nullptr && from->stopped(); }
+// A task decides on a reply, reads and resets the values it carries, and
+// finds the controller under its stop flag: a reply is decided before the
+// stop, with what was counted until then, or not at all. A post never waits,
+// so it goes out under the flag too, before the stop can answer. A send waits
+// for the controller (which may be sending this very stop), so it goes out
+// just after: a reply decided just before a stop can trail the stop's own.
+template <typename Decide>
+bool Committed(const TaskThread* from, Decide&& decide) {
+  if (from == nullptr) {
+    decide();
+    return true;
+  }
+  return from->stop().RunUnlessRaised(decide);
+}
+
+void SendRecord(HWND controller, unsigned kind, const std::wstring& text) {
+  if (!controller) return;
+  const std::uint32_t cbData = protocol::RecordBytes(kind);
+  std::vector<std::uint8_t> buffer = CopyDataBuffer(text, cbData);
+  COPYDATASTRUCT record{};
+  record.dwData = kind;
+  record.cbData = cbData;
+  record.lpData = buffer.data();
+  const bool fromTask = kind >= protocol::kPcTracesDone;
+  const HWND sender = fromTask ? g_commandWindow : controller;
+  // SendMessageW returns only once the controller has read the record, so the
+  // buffer can go with this frame.
+  ::SendMessageW(controller, WM_COPYDATA, reinterpret_cast<WPARAM>(sender), reinterpret_cast<LPARAM>(&record));
+}
+
+// A numeric message whose values `take` reads (and resets) when the task
+// commits to it.
+bool DeliverValues(unsigned id, protocol::Delivery delivery, const std::function<std::pair<WPARAM, LPARAM>()>& take,
+                   const TaskThread* from) {
+  std::pair<WPARAM, LPARAM> values;
+  HWND controller = nullptr;
+  if (!Committed(from, [&] {
+        values = take();
+        controller = FindController();
+        if (controller && delivery == protocol::Delivery::kPost) {
+          ::PostMessageW(controller, id, values.first, values.second);
+        }
+      })) {
+    return false;
+  }
+  if (controller && delivery == protocol::Delivery::kSend) ::SendMessageW(controller, id, values.first, values.second);
+  return true;
+}
 
 WPARAM WorkerWindowParam() { return reinterpret_cast<WPARAM>(g_commandWindow); }
 
@@ -61,32 +109,21 @@ std::wstring BrowserTotalsText() {
 
 HWND FindController() { return ::FindWindowW(protocol::kControllerClass, nullptr); }
 
-void DeliverMessage(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam, const TaskThread* from) {
-  if (Silenced(from)) return;
-  const HWND controller = FindController();
-  if (!controller) return;
-  if (delivery == protocol::Delivery::kPost) {
-    ::PostMessageW(controller, id, wParam, lParam);
-  } else {
-    ::SendMessageW(controller, id, wParam, lParam);
-  }
+bool DeliverMessage(unsigned id, protocol::Delivery delivery, WPARAM wParam, LPARAM lParam, const TaskThread* from) {
+  return DeliverValues(id, delivery, [&] { return std::pair{wParam, lParam}; }, from);
 }
 
-void SendCopyData(unsigned kind, const std::wstring& text, const TaskThread* from) {
-  if (Silenced(from)) return;
-  const HWND controller = FindController();
-  if (!controller) return;
-  const std::uint32_t cbData = protocol::RecordBytes(kind);
-  std::vector<std::uint8_t> buffer = CopyDataBuffer(text, cbData);
-  COPYDATASTRUCT record{};
-  record.dwData = kind;
-  record.cbData = cbData;
-  record.lpData = buffer.data();
-  const bool fromTask = kind >= protocol::kPcTracesDone;
-  const HWND sender = fromTask ? g_commandWindow : controller;
-  // SendMessageW returns only once the controller has read the record, so the
-  // buffer can go with this frame.
-  ::SendMessageW(controller, WM_COPYDATA, reinterpret_cast<WPARAM>(sender), reinterpret_cast<LPARAM>(&record));
+bool SendTotalsRecord(unsigned kind, const std::function<std::wstring()>& make, const TaskThread* from) {
+  std::wstring text;
+  HWND controller = nullptr;
+  if (!Committed(from, [&] {
+        text = make();
+        controller = FindController();
+      })) {
+    return false;
+  }
+  SendRecord(controller, kind, text);
+  return true;
 }
 
 std::wstring TaskRecordText(unsigned kind) {
@@ -97,28 +134,28 @@ std::wstring TaskRecordText(unsigned kind) {
   }
 }
 
-void DeliverTaskReply(const protocol::TaskSpec& task, const protocol::Reply& reply, const TaskThread* from) {
+bool DeliverTaskReply(const protocol::TaskSpec& task, const protocol::Reply& reply, const TaskThread* from) {
   switch (reply.payload) {
     case Payload::kNothing:
-      return;
-    case Payload::kCountAndBytes: {
+      return Committed(from, [] {});
+    case Payload::kCountAndBytes:
       // The counters are reset whether or not a controller hears of them.
-      const std::int32_t count = TakeReplyCount(task.task);
-      const std::int64_t bytes = ReplyBytes(g_totals.byteTotal.get());
-      DeliverMessage(reply.id, reply.delivery, static_cast<WPARAM>(static_cast<INT_PTR>(count)),
-                     static_cast<LPARAM>(bytes), from);
-      return;
-    }
+      return DeliverValues(
+          reply.id, reply.delivery,
+          [&] {
+            const std::int32_t count = TakeReplyCount(task.task);
+            return std::pair{static_cast<WPARAM>(static_cast<INT_PTR>(count)),
+                             static_cast<LPARAM>(ReplyBytes(g_totals.byteTotal.get()))};
+          },
+          from);
     case Payload::kWorkerWindow:
-      DeliverMessage(reply.id, reply.delivery, WorkerWindowParam(), 0, from);
-      return;
+      return DeliverMessage(reply.id, reply.delivery, WorkerWindowParam(), 0, from);
     case Payload::kZeros:
-      DeliverMessage(reply.id, reply.delivery, 0, 0, from);
-      return;
+      return DeliverMessage(reply.id, reply.delivery, 0, 0, from);
     case Payload::kCopyData:
-      SendCopyData(reply.kind, TaskRecordText(reply.kind), from);
-      return;
+      return SendTotalsRecord(reply.kind, [&] { return TaskRecordText(reply.kind); }, from);
   }
+  return false;
 }
 
 }  // namespace scourel

@@ -1,6 +1,7 @@
 #include "host/tasks.h"
 
 #include <array>
+#include <functional>
 
 #include "browsers/browser_traces.h"
 #include "host/replies.h"
@@ -44,20 +45,32 @@ TaskContext ContextFor(const TaskThread& thread, Mode mode, std::uint32_t wipeMe
 
 const TaskSpec& Spec(Task task) { return SpecOf(task); }
 
+// Ends the process at once with exit code 0. Not ExitProcess: that detaches
+// every DLL after the other threads are cut off wherever they were, and one
+// cut off holding the loader or heap lock (inside the shell, say) hangs it.
+[[noreturn]] void EndWorker() {
+  ::TerminateProcess(::GetCurrentProcess(), 0);
+  for (;;) ::Sleep(INFINITE);
+}
+
 // The usual end of a task: its completion, then the slot emptied (unless a
 // later start took it). A stopped task leaves at once: no reply, and the slot,
 // which by now belongs to no one or to a later task, is not touched.
 void Complete(TaskThread& thread, Task task, int set) {
-  if (thread.stopped()) return;
-  DeliverTaskReply(Spec(task), Spec(task).sets[set].done, &thread);
-  thread.LeaveSlot();
+  if (DeliverTaskReply(Spec(task), Spec(task).sets[set].done, &thread)) thread.LeaveSlot();
 }
 
 // --- Task bodies, one per task and command set -----------------------------
 
+// Resets what a task resets when it starts, unless it was stopped already.
+template <typename Reset>
+void ResetUnlessStopped(const TaskThread& thread, Reset&& reset) {
+  thread.stop().RunUnlessRaised(reset);
+}
+
 template <int Set>
 void JunkFilesTask(TaskThread& thread) {
-  ResetForJunkFileScan(g_totals);
+  ResetUnlessStopped(thread, [] { ResetForJunkFileScan(g_totals); });
   JunkFiles(ContextFor(thread, Mode::kErase, Settings().ReadWipeAlgorithm()));
   Complete(thread, Task::kJunkFiles, Set);
 }
@@ -71,7 +84,7 @@ void RegistryFixTask(TaskThread& thread) {
 template <int Set>
 void ShortcutsTask(TaskThread& thread) {
   // The byte total is zeroed before the wipe method is read, as it always was.
-  g_totals.byteTotal.set(0.0f);
+  ResetUnlessStopped(thread, [] { g_totals.byteTotal.set(0.0f); });
   DeadShortcuts(ContextFor(thread, Mode::kErase, Settings().ReadWipeAlgorithm()));
   Complete(thread, Task::kShortcuts, Set);
 }
@@ -82,7 +95,7 @@ template <int Set>
 void BrowserTask(TaskThread& thread) {
   const SettingsFile settings = Settings();
   const TaskContext context = ContextFor(thread, Mode::kErase, settings.ReadWipeAlgorithm());
-  ResetBrowserTotals(g_totals);
+  ResetUnlessStopped(thread, [] { ResetBrowserTotals(g_totals); });
   for (const BrowserCategorySpec& category : kBrowserCategories) {
     if (thread.stopped()) return;
     if (settings.Switch(FamilyOf(Set), category.keySuffix, kBrowserChars)) BrowserCategoryStep(context, category.category);
@@ -91,8 +104,7 @@ void BrowserTask(TaskThread& thread) {
       DeliverMessage(kBrowserProgress, Delivery::kPost, number, 0, &thread);
     }
   }
-  if (thread.stopped()) return;
-  DeliverTaskReply(Spec(Task::kBrowser), Spec(Task::kBrowser).sets[Set].done, &thread);
+  if (!DeliverTaskReply(Spec(Task::kBrowser), Spec(Task::kBrowser).sets[Set].done, &thread)) return;
   // The first set's task leaves its slot as it is: a later stop still finds it there.
   if (Set == kSecondSet) thread.LeaveSlot();
 }
@@ -113,17 +125,19 @@ void PcTracesTask(TaskThread& thread) {
     const int number = static_cast<int>(step.step) + 1;
     if (Set == kFirstSet && number < kPcStepCount) DeliverMessage(kPcTracesProgress, Delivery::kPost, number, 0, &thread);
   }
-  if (thread.stopped()) return;
   const TaskSpec& spec = Spec(Task::kPcTraces);
-  DeliverTaskReply(spec, spec.sets[Set].done, &thread);
+  if (!DeliverTaskReply(spec, spec.sets[Set].done, &thread)) return;
   if (Set == kFirstSet) {
     thread.LeaveSlot();
     return;
   }
   // The second set then runs the stop sequence on its own slot. While the
   // slot still holds this task it stays taken until a stop command; when a
-  // later start replaced it, that later task is the one stopped.
-  if (TaskThread* later = thread.TakeLaterRecord()) {
+  // later start replaced it, that later task is the one stopped (unless this
+  // one has been stopped meanwhile).
+  TaskThread* later = nullptr;
+  thread.stop().RunUnlessRaised([&] { later = thread.TakeLaterRecord(); });
+  if (later) {
     DeliverTaskReply(spec, spec.sets[Set].stopped, nullptr);
     ReleaseTakenSlot(later);
   }
@@ -143,10 +157,8 @@ void PluginCleanTask(TaskThread& thread) {
     Complete(thread, Task::kPluginClean, Set);
     return;
   }
-  if (thread.stopped()) return;
-  DeliverTaskReply(Spec(Task::kPluginClean), Spec(Task::kPluginClean).sets[Set].done, &thread);
   // The second set's plug-in clean is the controller's last word to the worker.
-  ::ExitProcess(0);
+  if (DeliverTaskReply(Spec(Task::kPluginClean), Spec(Task::kPluginClean).sets[Set].done, &thread)) EndWorker();
 }
 
 // The full scan measures every area and reports each by copy-data, in the
@@ -154,62 +166,75 @@ void PluginCleanTask(TaskThread& thread) {
 void FullScanTask(TaskThread& thread) {
   const TaskContext context = ContextFor(thread, Mode::kMeasure);
   TaskTotals& totals = g_totals;
-
-  ResetForJunkFileScan(totals);
-  JunkFiles(context);
-  if (thread.stopped()) return;
-  {
-    const std::int32_t first = totals.junkFirst.take();
-    const std::int32_t second = totals.junkSecond.take();
-    SendCopyData(kScanJunkFiles, JunkScanText(first, totals.byteTotal.get(), second), &thread);
-  }
-
-  RunRegistryScan(context);
-  if (thread.stopped()) return;
-  SendCopyData(kScanRegistry, RegistryScanText(RegistryReportCounts()), &thread);
-  SendCopyData(kScanRegistryDone, kScanCompletedText, &thread);
-
-  DeadShortcuts(context);
-  if (thread.stopped()) return;
-  SendCopyData(kScanShortcuts, ShortcutScanText(totals.junkSecond.get(), totals.byteTotal.get()), &thread);
-  totals.junkSecond.set(0);
-
-  const int extensions = RunFileExtensionScan(context);
-  if (thread.stopped()) return;
-  SendCopyData(kScanExtensions, ExtensionScanText(extensions), &thread);
-
-  ResetBrowserTotals(totals);
-  ScanBrowserTraces(context);
-  if (thread.stopped()) return;
-  SendCopyData(kScanBrowser, TaskRecordText(kBrowserDone), &thread);
-
+  int extensions = 0;
+  float documentBytes = 0, networkBytes = 0, scanDiskBytes = 0;
   // Each size of the PC-traces record is what its step added to the byte total.
   auto measured = [&](StepFunction step) {
     const float before = totals.byteTotal.get();
     step(context);
     return totals.byteTotal.get() - before;
   };
-  const float documentBytes = measured(RecentDocuments);
-  RunHistory(context);
-  SearchWords(context);
-  const float networkBytes = measured(Credentials);
-  const float scanDiskBytes = measured(ScanDiskFiles);
-  if (thread.stopped()) return;
-  PcCounters pc{};
-  for (int i = 0; i < kPcStepCount; ++i) pc[i] = totals.pcTraces[i].get();
-  SendCopyData(kScanPcTraces, PcTracesScanText(pc, documentBytes, networkBytes, scanDiskBytes), &thread);
 
-  RecycleBins(context);
-  if (thread.stopped()) return;
-  SendCopyData(kScanRecycleBin, RecycleBinScanText(totals.recycleBinItems.get(), totals.recycleBinBytes.get()),
-               &thread);
-  totals.recycleBinItems.set(0);
-  totals.recycleBinBytes.set(0.0f);
-
-  RunPlugins(context);
-  if (thread.stopped()) return;
-  SendCopyData(kScanPlugins, PluginScanText(totals.pluginItems.get(), totals.pluginBytes.get()), &thread);
-
+  // What each step measures, then the record it sends. A record is read, and
+  // what it resets reset, only while the scan has not been stopped.
+  const struct {
+    std::function<void()> measure;
+    unsigned kind;
+    std::function<std::wstring()> record;
+  } steps[] = {
+      {[&] {
+         ResetUnlessStopped(thread, [&] { ResetForJunkFileScan(totals); });
+         JunkFiles(context);
+       },
+       kScanJunkFiles,
+       [&] {
+         const std::int32_t first = totals.junkFirst.take();
+         const std::int32_t second = totals.junkSecond.take();
+         return JunkScanText(first, totals.byteTotal.get(), second);
+       }},
+      {[&] { RunRegistryScan(context); }, kScanRegistry,
+       [] { return RegistryScanText(RegistryReportCounts()); }},
+      {nullptr, kScanRegistryDone, [] { return std::wstring(kScanCompletedText); }},
+      {[&] { DeadShortcuts(context); }, kScanShortcuts,
+       [&] {
+         std::wstring text = ShortcutScanText(totals.junkSecond.get(), totals.byteTotal.get());
+         totals.junkSecond.set(0);
+         return text;
+       }},
+      {[&] { extensions = RunFileExtensionScan(context); }, kScanExtensions,
+       [&] { return ExtensionScanText(extensions); }},
+      {[&] {
+         ResetUnlessStopped(thread, [&] { ResetBrowserTotals(totals); });
+         ScanBrowserTraces(context);
+       },
+       kScanBrowser, [] { return TaskRecordText(kBrowserDone); }},
+      {[&] {
+         documentBytes = measured(RecentDocuments);
+         RunHistory(context);
+         SearchWords(context);
+         networkBytes = measured(Credentials);
+         scanDiskBytes = measured(ScanDiskFiles);
+       },
+       kScanPcTraces,
+       [&] {
+         PcCounters pc{};
+         for (int i = 0; i < kPcStepCount; ++i) pc[i] = totals.pcTraces[i].get();
+         return PcTracesScanText(pc, documentBytes, networkBytes, scanDiskBytes);
+       }},
+      {[&] { RecycleBins(context); }, kScanRecycleBin,
+       [&] {
+         std::wstring text = RecycleBinScanText(totals.recycleBinItems.get(), totals.recycleBinBytes.get());
+         totals.recycleBinItems.set(0);
+         totals.recycleBinBytes.set(0.0f);
+         return text;
+       }},
+      {[&] { RunPlugins(context); }, kScanPlugins,
+       [&] { return PluginScanText(totals.pluginItems.get(), totals.pluginBytes.get()); }},
+  };
+  for (const auto& step : steps) {
+    if (step.measure) step.measure();
+    if (!SendTotalsRecord(step.kind, step.record, &thread)) return;
+  }
   thread.LeaveSlot();
 }
 
@@ -250,7 +275,7 @@ void RunCommand(const CommandMatch& match) {
 }  // namespace
 
 std::optional<LRESULT> HandleCommand(UINT message) {
-  if (message == WM_CLOSE) ::ExitProcess(0);  // nothing is stopped or saved first
+  if (message == WM_CLOSE) EndWorker();  // nothing is stopped or saved first
   if (message == kIgnoredCommand) return 0;
   const std::optional<CommandMatch> match = FindCommand(message);
   if (!match) return std::nullopt;

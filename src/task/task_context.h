@@ -28,6 +28,16 @@ struct TaskContext {
   std::wstring settingsPath;    // installRoot + "\Settings.INI"
 
   bool stopped() const noexcept { return Raised(stop); }
+  // Adds to (or resets) the totals unless the task is stopped: a stop's
+  // reply is then the last word on what this task found. True when done.
+  template <typename Change>
+  bool Record(Change&& change) const {
+    if (stop == nullptr) {
+      change();
+      return true;
+    }
+    return stop->RunUnlessRaised(change);
+  }
   bool erasing() const noexcept { return mode == Mode::kErase; }
 
   TaskContext With(Mode other) const {

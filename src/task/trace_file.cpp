@@ -25,12 +25,17 @@ bool PassesProbe(const TaskContext& context, const TraceFile& file, const TraceR
 
 bool TakeTraceFile(const TaskContext& context, const TraceFile& file, const TraceRule& rule, Tally tally) {
   if (context.stopped() || !PassesProbe(context, file, rule)) return false;
-  tally.count.add(1);
+  std::uint64_t size = 0;
   switch (rule.size) {
-    case SizeFrom::kListing: AddBytes(tally.bytes, file.listedSize); break;
-    case SizeFrom::kReadOpen: AddBytes(tally.bytes, SizeByReadProbe(file.path)); break;
+    case SizeFrom::kListing: size = file.listedSize; break;
+    case SizeFrom::kReadOpen: size = SizeByReadProbe(file.path); break;
     case SizeFrom::kNothing: break;
   }
+  const bool counted = context.Record([&] {
+    tally.count.add(1);
+    if (rule.size != SizeFrom::kNothing) AddBytes(tally.bytes, size);
+  });
+  if (!counted) return false;
   // What a listing shows as a folder or a link is not a file of ours to
   // overwrite: it is counted as found, and left.
   const bool plainFile = !(file.attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));

@@ -77,7 +77,7 @@ bool TargetsNeedSysnative() {
 }
 
 void DeadShortcuts(const TaskContext& context) {
-  context.totals.byteTotal.set(0.0f);
+  context.Record([&] { context.totals.byteTotal.set(0.0f); });
   const ScopedComInit com;
   // The measuring walk reads targets as they stand.
   const ShortcutWalk walk{context, context.erasing() && TargetsNeedSysnative()};

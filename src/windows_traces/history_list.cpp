@@ -47,8 +47,7 @@ int CountHistoryValues(const TaskContext& context, HKEY root, const std::wstring
     if (skipMruListData && IsMruListData(buffers.data)) continue;
     const std::wstring text = HistoryEntryText(path, buffers.name);
     (void)text;  // made for every entry, shown nowhere
-    counter.add(1);
-    ++counted;
+    if (context.Record([&] { counter.add(1); })) ++counted;
   }
   return counted;
 }
@@ -57,11 +56,7 @@ int EraseHistoryKey(const TaskContext& context, HKEY root, const std::wstring& p
                     Relaxed<std::int32_t>& counter, CountMode mode) {
   const OpenedKey key = OpenListKey(root, path);
   const auto values = static_cast<std::int32_t>(key ? CountsOf(key.get()).values : 0);
-  if (mode == CountMode::kSet) {
-    counter.set(values);
-  } else {
-    counter.add(values);
-  }
+  context.Record([&] { mode == CountMode::kSet ? counter.set(values) : counter.add(values); });
 
   int deleted = 0;
   if (key) {

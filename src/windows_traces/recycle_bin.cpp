@@ -20,8 +20,10 @@ void QueryAllBins(const TaskContext& context, Relaxed<float>& bytes) {
     SHQUERYRBINFO info{};
     info.cbSize = sizeof info;
     if (FAILED(::SHQueryRecycleBinW(root, &info))) continue;
-    context.totals.recycleBinItems.add(static_cast<std::int32_t>(info.i64NumItems));
-    AddBytes(bytes, static_cast<std::uint64_t>(info.i64Size));
+    context.Record([&] {
+      context.totals.recycleBinItems.add(static_cast<std::int32_t>(info.i64NumItems));
+      AddBytes(bytes, static_cast<std::uint64_t>(info.i64Size));
+    });
   }
 }
 

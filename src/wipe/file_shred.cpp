@@ -1,5 +1,7 @@
 #include "wipe/file_shred.h"
 
+#include <algorithm>
+
 #include "wipe/obscure_name.h"
 #include "wipe/wipe_progress.h"
 
@@ -9,6 +11,7 @@ namespace {
 
 constexpr DWORD kReadWrite = 3;   // read data | write data
 constexpr DWORD kShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
+constexpr std::uint64_t kSinglePassBytes = 64 * 1024;  // written at once by a one-pass method
 
 }  // namespace
 
@@ -20,6 +23,7 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   // A symbolic link is deleted itself; its target is never written, and its
   // attributes are not touched either (setting them would reach the target).
   if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+    if (Raised(stop_)) return ShredOutcome::kStopped;
     RenameAndDelete(path);
     return ShredOutcome::kDeletedWithoutOverwrite;
   }
@@ -63,13 +67,15 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
         // What a thread halted here would have left: the file under its own
         // name, partly overwritten.
         io_.Close(file);
-        ReleaseRandomContext();
+        ReleaseRandomKey();
         return ShredOutcome::kStopped;
     }
     (void)io_.Flush(file.get());
   }
   io_.Close(file);
-  ReleaseRandomContext();
+  ReleaseRandomKey();
+  // A stop during the last cluster or the flush still leaves the name alone.
+  if (Raised(stop_)) return ShredOutcome::kStopped;
 
   RenameAndDelete(path);
   return outcome;
@@ -79,19 +85,28 @@ CFileShred::Overwrite CFileShred::OverwriteClusters(HANDLE file, std::uint64_t s
                                                     std::uint32_t method) {
   clusterCount_ = size / clusterSize + (size % clusterSize != 0 ? 1 : 0);
   const std::uint32_t passes = PassCount(method);
+  // A method of one pass puts the same bytes in the same places in the same
+  // order whether its clusters go one at a time or several at once; several
+  // at once spare a system call each. Progress still counts every cluster.
+  const std::uint64_t perWrite = passes == 1 ? std::max<std::uint64_t>(1, kSinglePassBytes / clusterSize) : 1;
   (void)io_.Seek(file, 0);
-  for (std::uint64_t k = 1; k <= clusterCount_; ++k) {
+  for (std::uint64_t k = 1; k <= clusterCount_; k += perWrite) {
     if (Raised(stop_)) return Overwrite::kStopped;
+    const std::uint64_t clusters = std::min(perWrite, clusterCount_ - k + 1);
+    const auto length = static_cast<std::uint32_t>(clusters * clusterSize);
     // The two spare bytes give the last step of a triple pattern its room;
-    // only the first clusterSize bytes of a pass are written.
-    BuildPasses(method, clusterSize + 2);
+    // only the first `length` bytes of a pass are written.
+    BuildPasses(method, length + 2);
     for (std::uint32_t pass = 0; pass < passes; ++pass) {
       if (pass > 0) (void)io_.Seek(file, (k - 1) * clusterSize);
-      if (head() == nullptr || io_.Write(file, head()->bytes.get(), clusterSize)) return Overwrite::kWriteFailed;
+      if (head() == nullptr || io_.Write(file, head()->bytes.get(), length)) return Overwrite::kWriteFailed;
       PopPass();
     }
-    ReportWipeProgress(WipePercent(k, clusterCount_), progressWindow_);
-    (void)io_.Seek(file, k * clusterSize);
+    for (std::uint64_t done = k; done < k + clusters; ++done) {
+      ReportWipeProgress(WipePercent(done, clusterCount_), progressWindow_);
+    }
+    // The last pass ended where the next cluster starts: no seek needed (a
+    // short write counts as failed).
   }
   return Overwrite::kDone;
 }

@@ -71,7 +71,8 @@ std::error_code ShredIo::Seek(HANDLE file, std::uint64_t offset) {
 
 std::error_code ShredIo::Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) {
   DWORD written = 0;
-  return Checked(::WriteFile(file, bytes, length, &written, nullptr));
+  if (!::WriteFile(file, bytes, length, &written, nullptr)) return LastError();
+  return written == length ? std::error_code() : Win32Error(ERROR_WRITE_FAULT);
 }
 
 std::error_code ShredIo::Flush(HANDLE file) { return Checked(::FlushFileBuffers(file)); }

@@ -37,6 +37,7 @@ class ShredIo {
   [[nodiscard]] virtual std::error_code Identity(HANDLE file, DWORD* attributes, DWORD* linkCount);
   // Absolute 64-bit seek from the start of the file.
   [[nodiscard]] virtual std::error_code Seek(HANDLE file, std::uint64_t offset);
+  // Fails when fewer than `length` bytes were written.
   [[nodiscard]] virtual std::error_code Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length);
   [[nodiscard]] virtual std::error_code Flush(HANDLE file);
   virtual void Close(UniqueHandleKernel& file);

@@ -4,7 +4,6 @@
 #include <initializer_list>
 #include <iterator>
 
-#include "wipe/random_fill.h"
 
 namespace scourel {
 
@@ -102,7 +101,9 @@ PassNode& CEraserJunkData::PushPass() {
   // One spare byte: when the length is a multiple of three plus two, the
   // last three-byte step of a triple pattern reaches one byte past the end.
   const std::size_t length = std::size_t{passLength_};
-  node->bytes = std::make_unique<std::uint8_t[]>(length + 1);
+  // Left as it comes: each builder writes what it needs (fill and random
+  // passes are rewritten whole, every cluster).
+  node->bytes = std::make_unique_for_overwrite<std::uint8_t[]>(length + 1);
   node->next = std::move(head_);
   head_ = std::move(node);
   return *head_;
@@ -124,7 +125,9 @@ void CEraserJunkData::AddPatternPass(const std::uint8_t* pattern, std::uint8_t p
   node.patternLength = patternLength;
   const std::size_t length = std::size_t{passLength_};
   std::uint8_t* out = node.bytes.get();
-  for (std::size_t i = 0; i + 1 < length; i += patternLength) std::copy_n(pattern, patternLength, out + i);
+  std::size_t i = 0;
+  for (; i + 1 < length; i += patternLength) std::copy_n(pattern, patternLength, out + i);
+  if (i < length + 1) std::fill(out + i, out + length + 1, std::uint8_t{0});  // the bytes no step reached
 }
 
 void CEraserJunkData::AddPairPass(std::uint8_t b0, std::uint8_t b1) {
@@ -140,15 +143,7 @@ void CEraserJunkData::AddTriplePass(std::uint8_t b0, std::uint8_t b1, std::uint8
 void CEraserJunkData::AddRandomPass() {
   PassNode& node = PushPass();
   const std::size_t length = std::size_t{passLength_};
-  // One context serves every random pass until the shredder releases it:
-  // acquiring one initialises the whole CryptoAPI and costs far more than
-  // the bytes. A failed acquisition or generation is retried on the next
-  // pass, as a fresh context per pass would be.
-  if (!randomContext_) randomContext_ = AcquireRandomContext();
-  if (!FillFromContext(randomContext_.get(), node.bytes.get(), length)) {
-    randomContext_.reset();
-    FillFromRuntime(node.bytes.get(), length);
-  }
+  random_.Fill(node.bytes.get(), length);
 }
 
 void CEraserJunkData::PopPass() {

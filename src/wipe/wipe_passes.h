@@ -8,6 +8,7 @@
 
 #include "common/unique_handle.h"
 #include "wipe/disk.h"
+#include "wipe/random_fill.h"
 
 namespace scourel {
 
@@ -41,8 +42,8 @@ class CEraserJunkData {
   const PassNode* head() const { return head_.get(); }
 
  protected:
-  // Drops the provider context that random passes share until the next one.
-  void ReleaseRandomContext() { randomContext_.reset(); }
+  // Drops the key the random passes share: the next file gets a new one.
+  void ReleaseRandomKey() { random_.Release(); }
 
   CDisk volume_;  // cluster geometry of the file being wiped
 
@@ -54,7 +55,7 @@ class CEraserJunkData {
   // The length of the passes being built. Each shredder keeps its own, so two
   // shredders on volumes with different cluster sizes never share buffers.
   std::uint32_t passLength_ = 0;
-  UniqueCryptProvider randomContext_;
+  RandomPassSource random_;
 };
 
 }  // namespace scourel

@@ -11,6 +11,7 @@
 #include "common/registry_paths.h"
 #include "common/win.h"
 #include "support/fixtures.h"
+#include "support/random_text.h"
 
 namespace scourel {
 namespace {
@@ -101,27 +102,17 @@ TEST(FileReferenceTest, ReducedPathAndValidity) {
   EXPECT_EQ(text, copy);
 }
 
-// Texts built from the pieces the reduction looks for, plus noise, now and then very long.
-std::wstring RandomReference(std::mt19937& random) {
-  static const wchar_t* const kPieces[] = {
-      L"\"", L"Rundll32", L"RunDll32", L":\\", L"C:\\", L"t:\\", L"Z:\\", L",", L" /", L" -", L" -file", L";",
-      L"%SYSTEMROOT%", L"%systemroot%", L"%", L"@", L"\\\\", L" ", L"\t", L"a", L"Windows", L"\xd83d", L"\xffff"};
-  std::wstring text;
-  for (int n = static_cast<int>(random() % 25); n > 0; --n) {
-    if (random() % 10 == 0) text += static_cast<wchar_t>(1 + random() % 0xFFFF);
-    else text += kPieces[random() % std::size(kPieces)];
-  }
-  if (random() % 10 == 0) text.append(random() % 0x20000, L'\\');
-  return text;
-}
-
 TEST(FileReferenceTest, RandomTextsReduceToWellFormedPaths) {
   std::mt19937 random(20240607u);
   int valid = 0;
-  for (int i = 0; i < 3000; ++i) {
-    const std::wstring text = RandomReference(random);
+  for (int i = 0; i < 100000; ++i) {
+    // Pieces the reduction looks for, now and then a very long text.
+    std::wstring text = test::RandomText(random, {L"\"", L"Rundll32", L"RunDll32", L":\\", L"C:\\", L"t:\\", L"Z:\\",
+                                                  L",", L" /", L" -", L" -file", L";", L"%SYSTEMROOT%", L"%systemroot%",
+                                                  L"%", L"@", L"\\\\", L" ", L"\t", L"a", L"Windows"}, 25);
+    if (i % 1000 == 0) text.append(random() % 0x20000, L'\\');
     const std::optional<std::wstring> path = ReduceFileReference(text, L"C:\\Windows\\");
-    const int result = i % 10 == 0 ? IsFileReferenceValid(text) : 0;  // a few hundred through the full test
+    const int result = i % 100 == 0 ? IsFileReferenceValid(text) : 0;  // a thousand through the full test
     ASSERT_TRUE(result == 0 || result == 1);
     valid += result;
     if (!path) continue;

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "common/win.h"
 #include "registry_cleaner/registry_fix.h"
 #include "support/fixtures.h"
+#include "support/random_text.h"
 #include "support/task_fixture.h"
 
 namespace scourel {
@@ -12,22 +15,18 @@ namespace {
 
 using test::ScratchDir;
 
-TEST(SettingsTest, SwitchIsOnOnlyForExactlyTRUE) {
-  const std::pair<const wchar_t*, bool> cases[] = {
-      {L"TRUE", true}, {L"true", false}, {L"True", false}, {L"TRUE ", false},
-      {L" TRUE", false}, {L"", false}, {L"FALSE", false}, {L"TRUEX", false}, {L"1", false},
-  };
-  for (const auto& [value, on] : cases) EXPECT_EQ(IsSwitchOn(value), on) << '"' << testing::PrintToString(std::wstring(value)) << '"';
-}
-
-TEST(SettingsTest, WipeIndexAcceptsExactlyOneDigitZeroToEight) {
-  const std::pair<const wchar_t*, int> cases[] = {
-      {L"0", 0}, {L"1", 1}, {L"7", 7}, {L"8", 8}, {L"9", -1}, {L"08", -1}, {L"", -1},
-      {L" 1", -1}, {L"1 ", -1}, {L"-1", -1}, {L"x", -1}, {L"\x0660", -1},
-  };
-  for (const auto& [value, index] : cases) {
-    auto parsed = ParseWipeIndex(value);
-    EXPECT_EQ(parsed ? static_cast<int>(*parsed) : -1, index) << testing::PrintToString(std::wstring(value));
+// A switch is on for exactly "TRUE", an index is exactly one digit 0 to 8:
+// "true", "TRUE ", "08", " 1", "-1" and the like are neither.
+TEST(SettingsTest, ValuesAreOnOrAnIndexOnlyWhenExact) {
+  std::mt19937 random(2058);
+  for (int i = 0; i < 100000; ++i) {
+    const std::wstring value = test::RandomText(
+        random, {L"TRUE", L"true", L"True", L"T", L"X", L"0", L"1", L"7", L"8", L"9", L"-", L" ", L"\x0660"}, 3);
+    ASSERT_EQ(IsSwitchOn(value), value == L"TRUE") << testing::PrintToString(value);
+    const std::optional<std::uint32_t> index = ParseWipeIndex(value);
+    const bool digit = value.size() == 1 && value[0] >= L'0' && value[0] <= L'8';
+    ASSERT_EQ(index.has_value(), digit) << testing::PrintToString(value);
+    ASSERT_TRUE(!digit || *index == static_cast<std::uint32_t>(value[0] - L'0'));
   }
 }
 

@@ -3,9 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <string>
 #include <vector>
 
+#include "support/random_text.h"
 #include "wipe/obscure_name.h"
+#include "wipe/chacha20.h"
 #include "wipe/random_fill.h"
 
 namespace scourel {
@@ -49,17 +53,69 @@ TEST(RandomFill, RuntimeFallbackFormulaAndNullContext) {
   EXPECT_FALSE(FillFromContext(0, bytes.data(), bytes.size()));  // what sends a pass to the fallback
 }
 
-TEST(ObscuredPath, KeepsOnlyLengthAndLastPoint) {
-  const std::pair<const wchar_t*, const wchar_t*> cases[] = {
-      {L"C:\\d\\report.final.docx", L"C:\\d\\xxxxxxxxxxxx.xxxx"},
-      {L"C:\\Windows\\LOGFILE", L"C:\\Windows\\xxxxxxx"},
-      {L"C:\\d\\.hidden", L"C:\\d\\.xxxxxx"},
-      {L"C:\\d\\name.", L"C:\\d\\xxxx."},
-      {L"C:\\dir.ext\\file", L"C:\\dir.ext\\xxxx"},
-      {L"C:\\d\\..x", L"C:\\d\\x.x"},
-      {L"C:\\d\\", L"C:\\d\\"},
-      {L"C:\\d\\\u00e9t\u00e9.txt", L"C:\\d\\xxx.xxx"}};
-  for (const auto& [path, expected] : cases) EXPECT_EQ(ObscuredPath(path), expected);
+std::vector<std::uint8_t> FromHex(const char* hex) {
+  std::vector<std::uint8_t> bytes;
+  for (; hex[0] && hex[1]; hex += 2) bytes.push_back(static_cast<std::uint8_t>(std::stoi(std::string(hex, 2), nullptr, 16)));
+  return bytes;
+}
+
+// RFC 8439: A.1 vectors 1 and 2, and the stream of 2.4.2 (its ciphertext
+// xor its plaintext), from every kernel the processor runs, taken in uneven
+// pieces that cross the kernels' chunks.
+TEST(ChaCha20, MatchesTheRfc8439Vectors) {
+  const std::string sunscreen =
+      "Ladies and Gentlemen of the class of '99: If I could offer you only one tip for the future, sunscreen would be it.";
+  const struct {
+    const char* key;
+    const char* nonce;
+    std::uint32_t counter;
+    const char* stream;
+    const std::string& plain;
+  } cases[] = {
+      {"", "000000000000000000000000", 0,
+       "76b8e0ada0f13d90405d6ae55386bd28bdd219b8a08ded1aa836efcc8b770dc7da41597c5157488d7724e03fb8d84a376a43b8f41518a11cc387b669b2ee6586",
+       std::string()},
+      {"", "000000000000000000000000", 1,
+       "9f07e7be5551387a98ba977c732d080dcb0f29a048e3656912c6533e32ee7aed29b721769ce64e43d57133b074d839d531ed1f28510afb45ace10a1f4b794d6f",
+       std::string()},
+      {"000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f", "000000000000004a00000000", 1,
+       "6e2e359a2568f98041ba0728dd0d6981e97e7aec1d4360c20a27afccfd9fae0bf91b65c5524733ab8f593dabcd62b3571639d624e65152ab8f530c359f0861d8"
+       "07ca0dbf500d6a6156a38e088a22b65e52bc514d16ccf806818ce91ab77937365af90bbf74a35be6b40b8eedf2785e42874d",
+       sunscreen},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::uint8_t> key = FromHex(c.key), expected = FromHex(c.stream);
+    key.resize(32);
+    for (std::size_t i = 0; i < c.plain.size(); ++i) expected[i] ^= static_cast<std::uint8_t>(c.plain[i]);
+    // The blocks after the vector's are the same whatever the kernel and the pieces.
+    std::vector<std::uint8_t> first;
+    for (const ChaCha20::Kernel kernel : ChaCha20::Supported()) {
+      for (std::size_t piece : {std::size_t{1}, std::size_t{7}, std::size_t{64}, std::size_t{1500}}) {
+        ChaCha20 stream(key.data(), FromHex(c.nonce).data(), c.counter, kernel);
+        std::vector<std::uint8_t> got(expected.size() + 3000);
+        for (std::size_t at = 0; at < got.size(); at += piece) stream.Generate(&got[at], std::min(piece, got.size() - at));
+        EXPECT_EQ(std::vector<std::uint8_t>(got.begin(), got.begin() + expected.size()), expected)
+            << c.stream << " kernel " << static_cast<int>(kernel) << " pieces of " << piece;
+        if (first.empty()) first = got;
+        EXPECT_EQ(got, first) << "kernel " << static_cast<int>(kernel) << " pieces of " << piece;
+      }
+    }
+  }
+}
+
+// "report.final.docx" becomes "xxxxxxxxxxxx.xxxx", ".hidden" ".xxxxxx",
+// "LOGFILE" "xxxxxxx": only the name's length and its last point are kept.
+TEST(ObscuredPath, AnyPathKeepsItsFolderTheLengthOfItsNameAndItsLastPoint) {
+  std::mt19937 random(2040);
+  for (int i = 0; i < 100000; ++i) {
+    const std::wstring path = test::RandomText(random, {L"\\", L".", L"..", L"C:", L"name", L"x", L" "});
+    const std::wstring obscured = ObscuredPath(path);
+    ASSERT_EQ(obscured.size(), path.size()) << testing::PrintToString(path);
+    const std::size_t name = path.rfind(L'\\') == std::wstring::npos ? 0 : path.rfind(L'\\') + 1;
+    const std::size_t point = path.find(L'.', name) == std::wstring::npos ? std::wstring::npos : path.rfind(L'.');
+    ASSERT_EQ(obscured.compare(0, name, path, 0, name), 0) << testing::PrintToString(path);
+    for (std::size_t k = name; k < path.size(); ++k) ASSERT_EQ(obscured[k], k == point ? L'.' : L'x');
+  }
 }
 
 }  // namespace
