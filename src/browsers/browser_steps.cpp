@@ -25,7 +25,8 @@ bool IsFolderTreatment(Treatment treatment) {
 // it with everything below it whether or not it opened.
 void TakeKeyValues(const TaskContext& context, const std::wstring& path, Tally tally) {
   if (const OpenedKey opened = OpenRegKey(HKEY_CURRENT_USER, path, KEY_ALL_ACCESS)) {
-    tally.count.add(static_cast<std::int32_t>(CountsOf(opened.get()).values));
+    const auto values = static_cast<std::int32_t>(CountsOf(opened.get()).values);
+    context.Record([&] { tally.count.add(values); });
   }
   if (context.erasing()) ::SHDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
 }
@@ -46,7 +47,7 @@ class StepRunner {
     CountAndBytes& cell = totals.cell(step.browser, column);
     switch (step.treatment) {
       case Treatment::kSingleFile:
-        if (walker_.VisitFile(*location, cell.tally())) AlsoCount(step.also, 1);
+        if (walker_.VisitFile(*location, cell.tally())) context_.Record([&] { AlsoCount(step.also, 1); });
         return;
       case Treatment::kKeyValues:
         TakeKeyValues(context_, *location, cell.tally());
@@ -58,10 +59,13 @@ class StepRunner {
       default:
         break;
     }
-    totals.ZeroCurrent();
+    context_.Record([&] { totals.ZeroCurrent(); });
     walker_.VisitFolder(*location, step.treatment);
-    totals.AddCurrentTo(step.browser, column);
-    AlsoCount(step.also, totals.current.count.get());
+    // Nothing a stopped task found reaches the totals its stop reported.
+    context_.Record([&] {
+      totals.AddCurrentTo(step.browser, column);
+      AlsoCount(step.also, totals.current.count.get());
+    });
   }
 
  private:

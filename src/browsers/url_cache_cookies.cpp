@@ -45,9 +45,12 @@ std::uint64_t LocalFileSize(const INTERNET_CACHE_ENTRY_INFOW& entry) {
   return entry.lpszLocalFileName ? SizeByReadProbe(entry.lpszLocalFileName) : 0;
 }
 
-void Count(Tally tally, const INTERNET_CACHE_ENTRY_INFOW& entry) {
-  tally.count.add(1);
-  AddBytes(tally.bytes, LocalFileSize(entry));
+void Count(const TaskContext& context, Tally tally, const INTERNET_CACHE_ENTRY_INFOW& entry) {
+  const std::uint64_t size = LocalFileSize(entry);
+  context.Record([&] {
+    tally.count.add(1);
+    AddBytes(tally.bytes, size);
+  });
 }
 
 }  // namespace
@@ -60,7 +63,7 @@ void TakeUrlCacheCookies(const TaskContext& context, const std::wstring& pattern
     return find.valid();
   });
   if (!found) return;
-  Count(tally, *buffer.get());
+  Count(context, tally, *buffer.get());
   auto next = [&](INTERNET_CACHE_ENTRY_INFOW* entry, DWORD* size) {
     return ::FindNextUrlCacheEntryW(find.get(), entry, size) != FALSE;
   };
@@ -70,7 +73,7 @@ void TakeUrlCacheCookies(const TaskContext& context, const std::wstring& pattern
     const bool cookie = name && std::wstring_view(name).starts_with(L"Cookie:");
     for (int pass = cookie ? 2 : 1; pass > 0; --pass) {
       if (context.erasing() && name) ::DeleteUrlCacheEntryW(name);
-      Count(tally, entry);
+      Count(context, tally, entry);
     }
   }
 }

@@ -35,14 +35,14 @@ class PluginWalk {
         case EntryKind::kFile: File(target.file, tally); break;
       }
     }
-    if (!context_.stopped()) context_.totals.pluginItems.add(items.get());
+    context_.Record([&] { context_.totals.pluginItems.add(items.get()); });
   }
 
  private:
   void Key(const RegistryTarget& target, Tally tally) {
     if (!OpenRegKey(target.root, target.subkey, KEY_ALL_ACCESS)) return;
     if (context_.erasing()) ::SHDeleteKeyW(target.root, target.subkey.c_str());
-    tally.count.add(1);
+    context_.Record([&] { tally.count.add(1); });
   }
 
   void Value(const RegistryTarget& target, Tally tally) {
@@ -50,7 +50,7 @@ class PluginWalk {
     if (!key) return;
     // The scan does not look the value up; the clean counts only what it deleted.
     if (!context_.erasing() || ::RegDeleteValueW(key.get(), target.valueName.c_str()) == ERROR_SUCCESS) {
-      tally.count.add(1);
+      context_.Record([&] { tally.count.add(1); });
     }
   }
 
