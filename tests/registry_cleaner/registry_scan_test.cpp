@@ -34,26 +34,13 @@ TEST(RegistryScanTest, ReferenceTests) {
   WriteFileBytes(dir / L"app.exe", "x");
   const std::wstring app = dir / L"app.exe", gone = dir / L"gone.exe";
   const std::pair<std::wstring, bool> missing[] = {
-      {gone, true},
-      {L"\"" + gone + L"\" \"%1\"", true},
-      {app, false},
-      {L"\"" + app + L"\" file:%1", false},
+      {gone, true}, {L"\"" + gone + L"\" \"%1\"", true}, {app, false}, {L"\"" + app + L"\" file:%1", false},
       {app + L" setupapi,InstallHinfSection DefaultInstall 132 %1", false},  // Wine's own .inf verb
       {L"MsiExec.exe /X{5C0E1000-0000-4000-8000-000000000001}", false},      // no drive: not judged
-      {L"gone.exe", false},
-      {L"%ProgramFiles%\\gone.exe", false},
-      {L"Z:\\gone.exe", false},
-      {L"", false}};
+      {L"gone.exe", false}, {L"%ProgramFiles%\\gone.exe", false}, {L"Z:\\gone.exe", false}, {L"", false}};
   for (const auto& [text, expected] : missing) EXPECT_EQ(NamesMissingFile(text), expected) << text;
   EXPECT_EQ(UnpackGuid(L"ABCDEF0123456789ABCDEF0123456789"), L"{10FEDCBA-5432-9876-BADC-FE1032547698}");
 }
-
-struct ComCase {
-  const wchar_t* keyName;
-  const wchar_t* valueName;
-  std::wstring data;
-  int rows;
-};
 
 TEST(ComScanTest, RulesValueByValue) {
   const std::wstring r1 = L"{5C0E1000-0000-4000-8000-000000000011}", r32 = L"{5C0E1000-0000-4000-8000-000000000012}";
@@ -63,27 +50,24 @@ TEST(ComScanTest, RulesValueByValue) {
   for (const auto& path : {L"CLSID\\" + r1, L"Wow6432Node\\CLSID\\" + r32, L"AppID\\" + appId, L"TypeLib\\" + lib}) {
     registered.Plant(HKEY_CLASSES_ROOT, path);
   }
-  const ComCase cases[] = {
+  const struct {
+    const wchar_t* keyName;
+    const wchar_t* valueName;
+    std::wstring data;
+    int rows;
+  } cases[] = {
       {L"InprocServer32", L"", L"lib.dll\\1", 1},           // no drive, ends in "\" and one character
       {L"InprocServer32", L"", gone + L"\\lib.dll\\1", 0},  // a short name behind the last "\" ends it
-      {L"InprocServer32", L"", gone + L"\\lib.dll", 1},
-      {L"InprocServer32", L"", L"p:\\gone\\lib.ocx", 1},
+      {L"InprocServer32", L"", gone + L"\\lib.dll", 1}, {L"InprocServer32", L"", L"p:\\gone\\lib.ocx", 1},
       {L"InprocServer32", L"", L"L:\\gone\\lib.dll", 0},  // L and Q on are never tested
-      {L"InprocServer32", L"", L"q:\\gone\\lib.dll", 0},
-      {L"InprocServer32", L"URL", gone + L"\\lib.dll", 0},
+      {L"InprocServer32", L"", L"q:\\gone\\lib.dll", 0}, {L"InprocServer32", L"URL", gone + L"\\lib.dll", 0},
       {L"InprocServer32", L"CodeBase", gone + L"\\lib.dll", 0},
       {L"Key", L"AppID", L"app.exe", 1},  // no brace: no lookup
-      {L"Key", L"AppID", L"%APPID%", 1},
-      {L"Key", L"AppID", appId, 0},
-      {L"Key", L"AppID", m1, 1},
-      {L"clsid", L"", r1, 0},
-      {L"CLSID", L"", r32, 0},  // registered only in the 32-bit twin
-      {L"Clsid", L"", m1, 1},
-      {L"clsid", L"", gone + L"\\x.dll", 0},  // no brace ends the value before the file rule
-      {L"clsid", L"AppID", m1, 2},            // two rules, two rows
-      {L"TypeLib", L"", lib, 0},
-      {L"typelib", L"", m1, 1},
-      {L"ProxyStubClsid32", L"", L"no brace", 1},
+      {L"Key", L"AppID", L"%APPID%", 1}, {L"Key", L"AppID", appId, 0}, {L"Key", L"AppID", m1, 1},
+      {L"clsid", L"", r1, 0}, {L"CLSID", L"", r32, 0},  // r32: registered only in the 32-bit twin
+      {L"Clsid", L"", m1, 1}, {L"clsid", L"", gone + L"\\x.dll", 0},  // no brace ends it before the file rule
+      {L"clsid", L"AppID", m1, 2},  // two rules, two rows
+      {L"TypeLib", L"", lib, 0}, {L"typelib", L"", m1, 1}, {L"ProxyStubClsid32", L"", L"no brace", 1},
       {L"proxystubclsid32", L"", r32, 0},
   };
   ScratchKey scratch(L"com-rules");

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "common/unique_handle.h"
-#include "registry_cleaner/installer_scans.h"
 
 namespace scourel::test {
 
@@ -114,7 +113,7 @@ SeededRegistry::SeededRegistry() {
       {10, F::kCanary, HKLM, kVersion + L"Installer\\Folders", (p + L"\\"), L""},
       {10, F::kKeyGoes, HKCR, L"Installer\\Products\\1000E0C50000000408000000000000A1", L"ProductName", L"Gone"},
       {10, F::kCanary, HKCR, L"Installer\\Products\\" + packedKept, L"ProductName", L"Kept"},
-      {10, F::kPart, HKLM, kVersion + L"Uninstall\\" + *UnpackGuid(packedKept), L"DisplayName", L"Kept"},
+      {10, F::kPart, HKLM, kVersion + L"Uninstall\\{5C0E0001-0000-4000-8000-00000000002B}", L"DisplayName", L"Kept"},
       {10, F::kKeyGoes, HKCR, L"Installer\\Patches\\1000E0C50000000408000000000000C3", L"State", L"1"},
       {11, F::kValueGoes, HKCU, L"AppEvents\\EventLabels\\ScourelEvent", L"DispFileName", L"@" + m + L"\\res.dll,-5"},
       {11, F::kPart, HKCU, L"AppEvents\\EventLabels\\ScourelEvent", L"", L"Scourel event"},
