@@ -3,16 +3,16 @@
 // the worker sends it.
 #pragma once
 
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <condition_variable>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "common/unique_handle.h"
+#include "support/window_thread.h"
 
 namespace scourel::test {
 
@@ -41,12 +41,11 @@ class WorkerHarness {
 
   bool Started() const { return worker_ != nullptr; }
   HWND worker() const { return worker_; }
-  HWND controller() const { return controller_; }
+  HWND controller() const { return controller_ ? controller_->get() : nullptr; }
   const std::wstring& root() const { return root_; }
   std::wstring settingsPath() const { return root_ + L"\\Settings.INI"; }
 
   void WriteSetting(const std::wstring& key, const std::wstring& value);
-  void RemoveSetting(const std::wstring& key);
 
   // Sends a command and returns the window procedure's result.
   LRESULT Send(UINT id, WPARAM wParam = 0, LPARAM lParam = 0);
@@ -71,16 +70,13 @@ class WorkerHarness {
   std::optional<DWORD> WaitExit(DWORD timeoutMs = 30000);
 
  private:
-  void ControllerThread();
   void Record(UINT id, WPARAM wParam, LPARAM lParam);
   std::optional<ReceivedMessage> WaitMatching(UINT id, unsigned kind, DWORD timeoutMs);
 
   std::wstring root_;
   UniqueHandleKernel process_;
   HWND worker_ = nullptr;
-  HWND controller_ = nullptr;
-  std::thread thread_;
-  UniqueHandleKernel ready_;
+  std::optional<WindowThread> controller_;
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::vector<ReceivedMessage> received_;
