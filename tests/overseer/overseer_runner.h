@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "support/window_thread.h"
+#include "support/worker_harness.h"
 
 namespace scourel::test {
 

@@ -68,12 +68,13 @@ TEST(RegistryFixTest, RowRules) {
     SCOPED_TRACE(testing::PrintToString(c.plant));
     const auto split = [&](const std::wstring& item) {
       const std::size_t eq = item.find(L'=');
-      return std::pair(scratch.path() + L"\\" + item.substr(0, eq), eq == std::wstring::npos ? L"" : &item[eq + 1]);
+      return std::pair(scratch.path() + L"\\" + item.substr(0, eq),
+                       eq == std::wstring::npos ? std::nullopt : std::optional(item.substr(eq + 1)));
     };
+    PlantedRegistry planted;
     for (const std::wstring& item : c.plant) {
       const auto [path, name] = split(item);
-      ::RegCreateKeyW(HKEY_CURRENT_USER, path.c_str(), UniqueRegKey().put());
-      if (*name) ::RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), name, REG_SZ, L"x", 4);
+      planted.Plant(HKEY_CURRENT_USER, path, name, L"x");
     }
     g_registry.found.ResetCounts();
     RecordIssue(kCatHelp, c.row.rootName.empty() ? L"HKEY_CURRENT_USER" : c.row.rootName,
@@ -84,11 +85,10 @@ TEST(RegistryFixTest, RowRules) {
     for (const auto& items : {c.plant, c.gone}) {
       for (const std::wstring& item : items) {
         const auto [path, name] = split(item);
-        const bool present = *name ? ValuePresent(HKEY_CURRENT_USER, path, name) : KeyPresent(HKEY_CURRENT_USER, path);
+        const bool present = name ? ValuePresent(HKEY_CURRENT_USER, path, *name) : KeyPresent(HKEY_CURRENT_USER, path);
         EXPECT_EQ(present, std::find(c.gone.begin(), c.gone.end(), item) == c.gone.end()) << item;
       }
     }
-    for (const std::wstring& item : c.plant) ::RegDeleteTreeW(HKEY_CURRENT_USER, split(item).first.c_str());
   }
   EXPECT_EQ(DeleteKeyTree(HKEY_CURRENT_USER, L""), -1);  // never the root itself
   EXPECT_EQ(DeleteKeyTree(HKEY_CURRENT_USER, std::wstring(kDeletePathChars + 1, L'k')), -1);

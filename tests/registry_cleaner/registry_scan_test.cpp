@@ -70,17 +70,14 @@ TEST(ComScanTest, RulesValueByValue) {
       {L"TypeLib", L"", lib, 0}, {L"typelib", L"", m1, 1}, {L"ProxyStubClsid32", L"", L"no brace", 1},
       {L"proxystubclsid32", L"", r32, 0},
   };
-  ScratchKey scratch(L"com-rules");
-  const auto pathOf = [&](std::size_t i) {
-    return scratch.path() + L"\\case" + std::to_wstring(i) + L"\\" + cases[i].keyName;
-  };
+  const std::wstring scratch = L"Software\\ScourelTests\\com-rules";
+  const auto pathOf = [&](std::size_t i) { return scratch + L"\\" + std::to_wstring(i) + L"\\" + cases[i].keyName; };
   for (std::size_t i = 0; i < std::size(cases); ++i) {
-    ::RegSetKeyValueW(HKEY_CURRENT_USER, pathOf(i).c_str(), cases[i].valueName, REG_SZ, cases[i].data.c_str(),
-                      static_cast<DWORD>((cases[i].data.size() + 1) * sizeof(wchar_t)));
+    registered.Plant(HKEY_CURRENT_USER, pathOf(i), cases[i].valueName, cases[i].data);
   }
   g_registry.found.ResetCounts();
-  EXPECT_EQ(ScanComKey(kMeasure, HKEY_CURRENT_USER, scratch.path()), 1);
-  EXPECT_EQ(ScanComKey(kMeasure, HKEY_CURRENT_USER, scratch.path() + L"\\none"), 0);
+  EXPECT_EQ(ScanComKey(kMeasure, HKEY_CURRENT_USER, scratch), 1);
+  EXPECT_EQ(ScanComKey(kMeasure, HKEY_CURRENT_USER, scratch + L"\\none"), 0);
   const std::vector<RegistryIssue> rows = g_registry.found.Rows(kCatCom);
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     const RegistryIssue row{L"HKEY_CURRENT_USER", pathOf(i), cases[i].valueName, cases[i].data};

@@ -8,6 +8,28 @@
 
 namespace scourel::test {
 
+WindowThread::WindowThread(const wchar_t* className, const wchar_t* title, HiddenWindow::Handler handler) {
+  const UniqueHandleKernel ready(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  thread_ = std::thread([this, className, title, handler = std::move(handler), event = ready.get()]() mutable {
+    HiddenWindow window;
+    WindowSpec spec;
+    spec.className = className;
+    spec.title = title;
+    spec.style = 0;
+    if (!window.Register(spec)) (void)window.Create(std::move(handler));
+    window_ = window.get();
+    threadId_ = ::GetCurrentThreadId();
+    ::SetEvent(event);
+    for (MSG message; ::GetMessageW(&message, nullptr, 0, 0) > 0;) ::DispatchMessageW(&message);
+  });
+  ::WaitForSingleObject(ready.get(), INFINITE);
+}
+
+WindowThread::~WindowThread() {
+  ::PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
+  thread_.join();
+}
+
 WorkerHarness::WorkerHarness(const std::wstring& name, const std::wstring& modeArgument, bool controller)
     : root_(L"C:\\scourel-tests\\" + name) {
   CloseRunningWorkers();  // a worker left by an earlier test would answer our commands

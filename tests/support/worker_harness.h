@@ -9,12 +9,32 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "common/hidden_window.h"
 #include "common/unique_handle.h"
-#include "support/window_thread.h"
 
 namespace scourel::test {
+
+// A hidden window of a class of our choosing on a thread of its own, running
+// its message loop: the test controller below, or a stand-in worker. The
+// window exists once constructed; it goes, and the thread is joined, on
+// destruction.
+class WindowThread {
+ public:
+  WindowThread(const wchar_t* className, const wchar_t* title, HiddenWindow::Handler handler);
+  ~WindowThread();
+  WindowThread(const WindowThread&) = delete;
+  WindowThread& operator=(const WindowThread&) = delete;
+
+  HWND get() const { return window_; }
+
+ private:
+  std::thread thread_;
+  DWORD threadId_ = 0;
+  HWND window_ = nullptr;
+};
 
 struct ReceivedMessage {
   UINT id = 0;
