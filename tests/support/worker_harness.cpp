@@ -1,5 +1,6 @@
 #include "support/worker_harness.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cwchar>
 
@@ -61,11 +62,7 @@ WorkerHarness::~WorkerHarness() {
 }
 
 void WorkerHarness::Record(UINT id, WPARAM wParam, LPARAM lParam) {
-  ReceivedMessage message;
-  message.id = id;
-  message.wParam = wParam;
-  message.lParam = lParam;
-  message.sent = ::InSendMessage();
+  ReceivedMessage message{.id = id, .wParam = wParam, .lParam = lParam, .sent = ::InSendMessage() != FALSE};
   if (id == WM_COPYDATA) {
     const auto* record = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
     message.kind = static_cast<unsigned>(record->dwData);
@@ -117,13 +114,10 @@ bool WorkerHarness::NothingArrives(DWORD timeoutMs) {
 }
 
 bool WorkerHarness::WaitForCount(UINT id, size_t count, DWORD timeoutMs) {
-  return WaitUntil(
-      [&](const std::vector<ReceivedMessage>& received) {
-        size_t seen = 0;
-        for (const ReceivedMessage& message : received) seen += message.id == id ? 1 : 0;
-        return seen >= count;
-      },
-      timeoutMs);
+  return WaitUntil([&](const std::vector<ReceivedMessage>& received) {
+    return std::count_if(received.begin(), received.end(), [&](const auto& m) { return m.id == id; }) >=
+           static_cast<std::ptrdiff_t>(count);
+  }, timeoutMs);
 }
 
 std::optional<ReceivedMessage> WorkerHarness::WaitFor(UINT id, DWORD timeoutMs) {

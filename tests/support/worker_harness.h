@@ -44,8 +44,8 @@ struct ReceivedMessage {
   // WM_COPYDATA only:
   unsigned kind = 0;
   std::uint32_t cbData = 0;
-  std::wstring text;           // up to the first zero
-  std::vector<std::uint8_t> bytes;  // the cbData bytes as received
+  std::wstring text{};                // up to the first zero
+  std::vector<std::uint8_t> bytes{};  // the cbData bytes as received
 };
 
 class WorkerHarness {
