@@ -21,14 +21,11 @@ bool WorkerWindow() { return ::FindWindowW(L"SCOUREL_CLASS", nullptr) != nullptr
 // A copy of a program as <root>\bin\scourel.exe, so as a worker it reads <root>\Settings.INI.
 struct Installed : ScratchDir {
   explicit Installed(const std::wstring& name, const std::wstring& program = L"scourel.exe")
-      : ScratchDir((CloseRunningWorkers(), name)) {
-    MakeDirs(*this / L"bin");
-    ::CopyFileW((ProgramDir() + L"\\" + program).c_str(), exe().c_str(), FALSE);
-  }
+      : ScratchDir((CloseRunningWorkers(), name)), exe(InstallCopy(path(), program)) {}
   ~Installed() { CloseRunningWorkers(); }
-  std::wstring exe() const { return *this / L"bin\\scourel.exe"; }
-  std::wstring Worker(const std::wstring& rest) const { return L"--worker \"" + exe() + L"\" " + rest; }
+  std::wstring Worker(const std::wstring& rest) const { return L"--worker \"" + exe + L"\" " + rest; }
   std::wstring Setting(const wchar_t* key) const { return ReadSetting(*this / L"Settings.INI", key, 1000); }
+  const std::wstring exe;
 };
 
 std::vector<unsigned> Kinds(const std::string& json) {
@@ -40,58 +37,38 @@ std::vector<unsigned> Kinds(const std::string& json) {
   return kinds;
 }
 
-TEST(OverseerExeTest, FullScanJsonHasTheNineKindsInOrder) {
-  Installed worker(L"overseer-scan");
-  const OverseerRun run = RunOverseer(worker.Worker(L"--json --timeout 60 scan"));
-  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
-  EXPECT_EQ(Kinds(run.out), (std::vector<unsigned>{101, 107, 109, 102, 108, 105, 104, 103, 106}));
-  for (const char* part : {"\"status\": \"completed\"", "\"attached\": false", "\"text\": \"Scanning Completed\""}) {
-    EXPECT_NE(run.out.find(part), npos) << part << "\n" << run.out;
-  }
-  EXPECT_EQ(run.out.find("\"readable\": false"), npos) << run.out;
-  EXPECT_FALSE(WorkerWindow());  // the worker overseer started is closed again
-}
-
-TEST(OverseerExeTest, CleanWritesSettingsThenWaitsForItsReply) {
-  Installed worker(L"overseer-clean");
-  OverseerRun run = RunOverseer(worker.Worker(L"--json --timeout 60 --wipe gutmann --browser none clean browser"));
-  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
-  EXPECT_EQ(worker.Setting(L"IDS_WIPEALGORITHM"), L"7");
-  EXPECT_EQ(worker.Setting(L"IDS_CCACHE"), L"FALSE");
-  EXPECT_EQ(worker.Setting(L"IDS_CICONS"), L"FALSE");
-  EXPECT_EQ(Kinds(run.out), std::vector<unsigned>{305});
-  EXPECT_NE(run.out.find("\"title\": \"browser traces progress\""), npos) << run.out;
-  EXPECT_NE(run.out.find("\"icons_size\": \"0.00 KB\""), npos) << run.out;
-  // The second set with mode o: the IDS_O keys, and the second set's reply.
-  run = RunOverseer(worker.Worker(L"--json --timeout 60 --mode o --second-set --browser none clean browser"));
-  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
-  EXPECT_EQ(worker.Setting(L"IDS_OCACHE"), L"FALSE");
-  EXPECT_EQ(worker.Setting(L"IDS_CACHE"), L"");
-  EXPECT_NE(run.out.find("{\"message\": 2071"), npos) << run.out;
-}
-
-// The worker sends one total per category; overseer's own rows say which
-// browser holds what, as a scan counts it, before the worker acts.
-TEST(OverseerExeTest, ScanAndBrowserCleanShowPerBrowserRows) {
+// The full scan's nine replies in order, with overseer's own per-browser rows
+// (the worker sends one total per category), then a browser clean: the
+// settings it writes, the rows as a scan counts them before the worker acts,
+// and what the worker erased.
+TEST(OverseerExeTest, ScanThenBrowserCleanWithPerBrowserRows) {
   const WineVersionOf overseerTold(L"overseer.exe", L"win7"), workerTold(L"scourel.exe", L"win7");
   // Both look up the Firefox profile's name from the worker's folder: no Safari.
   BrowserFixture fixture({.extraProfile = false, .safariGate = false});
   Installed worker(L"overseer-browser-rows");
   const auto cache = protocol::BrowserCategory::kCache;
   const std::string chrome = std::to_string(fixture.Of(protocol::Browser::kChrome, cache, ScanRun()).count);
+  const auto icons = fixture.Of(protocol::Browser::kOpera, protocol::BrowserCategory::kIcons, ScanRun()).count;
 
   OverseerRun run = RunOverseer(worker.Worker(L"--json --timeout 60 scan"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
-  EXPECT_NE(run.out.find("\"browser_rows\": {\"measured_by\": \"overseer\""), npos) << run.out;
-  EXPECT_NE(run.out.find("\"chrome\": {\"cache\": " + chrome + ", "), npos) << run.out;
-  const auto icons = fixture.Of(protocol::Browser::kOpera, protocol::BrowserCategory::kIcons, ScanRun()).count;
-  EXPECT_NE(run.out.find("\"firefox_offline_cache\": 1, \"icons\": " + std::to_string(icons) + "}"), npos);
+  EXPECT_EQ(Kinds(run.out), (std::vector<unsigned>{101, 107, 109, 102, 108, 105, 104, 103, 106}));
+  for (const std::string& part : {std::string("\"status\": \"completed\""), std::string("\"attached\": false"),
+                                  std::string("\"text\": \"Scanning Completed\""),
+                                  std::string("\"browser_rows\": {\"measured_by\": \"overseer\""),
+                                  "\"chrome\": {\"cache\": " + chrome + ", ",
+                                  "\"firefox_offline_cache\": 1, \"icons\": " + std::to_string(icons) + "}"}) {
+    EXPECT_NE(run.out.find(part), npos) << part << "\n" << run.out;
+  }
+  EXPECT_EQ(run.out.find("\"readable\": false"), npos) << run.out;
+  EXPECT_FALSE(WorkerWindow());  // the worker overseer started is closed again
 
-  run = RunOverseer(worker.Worker(L"--timeout 60 --browser cache clean browser"));
+  run = RunOverseer(worker.Worker(L"--timeout 60 --wipe gutmann --browser cache clean browser"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_EQ(worker.Setting(L"IDS_WIPEALGORITHM") + worker.Setting(L"IDS_CCACHE"), L"7TRUE");
   EXPECT_TRUE(std::regex_search(run.out, std::regex("\n {10}chrome +" + chrome + " "))) << run.out;
   const std::string erased = std::to_string(fixture.Total(cache, CleanRun(cache)).count);
-  EXPECT_TRUE(std::regex_search(run.out, std::regex("cache +" + erased + " "))) << run.out;
+  EXPECT_TRUE(std::regex_search(run.out, std::regex("kind 305 [\\s\\S]*\n {10}cache +" + erased + " "))) << run.out;
   EXPECT_EQ(fixture.Damage(CleanRun(cache)), L"");
 }
 
@@ -112,31 +89,27 @@ TEST(OverseerExeTest, AttachesToARunningWorkerStopsAndClosesIt) {
   EXPECT_NE(run.out.find("status    not running"), npos) << run.out;
 }
 
-TEST(OverseerExeTest, InvalidValueIsRefusedAndNothingHappens) {
-  Installed worker(L"overseer-refuse");
-  const OverseerRun run = RunOverseer(worker.Worker(L"--wipe 9 --browser all clean browser"));
-  EXPECT_EQ(run.exitCode, 2);
-  EXPECT_NE(run.err.find("invalid --wipe value \"9\": valid values are 0-8 or zero, random"), npos) << run.err;
-  EXPECT_FALSE(PathExists(worker / L"Settings.INI"));
-  EXPECT_FALSE(WorkerWindow());
-}
-
-// A registry fix names what it deletes and waits for --yes. With --backup it
-// scans in a worker of its own first; reg import of the backup then puts back
-// everything the fix deleted.
-TEST(OverseerExeTest, RegistryFixAsksFirstAndItsBackupRestores) {
+// Refusals change nothing. A registry fix names what it deletes and waits
+// for --yes; with --backup it scans in a worker of its own first, and reg
+// import of the backup then puts back everything the fix deleted.
+TEST(OverseerExeTest, RefusalsChangeNothingAndAFixBackupRestores) {
   SeededRegistry seed;
   const std::set<std::wstring> before = seed.Snapshot();
   Installed worker(L"overseer-fix");
-  OverseerRun run = RunOverseer(worker.Worker(L"--registry com,paths fix registry"));
-  EXPECT_EQ(run.exitCode, 2);
-  EXPECT_NE(run.err.find("fix registry deletes for good what the worker's last scan found in: com, paths; add --yes"),
-            npos) << run.err;
-  EXPECT_FALSE(PathExists(worker / L"Settings.INI"));
-  EXPECT_FALSE(WorkerWindow());
+  const std::pair<const wchar_t*, const char*> refusals[] = {
+      {L"--wipe 9 --browser all clean browser", "invalid --wipe value \"9\": valid values are 0-8 or zero, random"},
+      {L"--registry com,paths fix registry",
+       "fix registry deletes for good what the worker's last scan found in: com, paths; add --yes"}};
+  for (const auto& [arguments, error] : refusals) {
+    const OverseerRun run = RunOverseer(worker.Worker(arguments));
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_NE(run.err.find(error), npos) << run.err;
+    EXPECT_FALSE(PathExists(worker / L"Settings.INI"));
+    EXPECT_FALSE(WorkerWindow());
+  }
 
   const std::wstring backup = worker / L"backup.reg";
-  run = RunOverseer(worker.Worker(L"--timeout 120 --registry all --yes --backup \"" + backup + L"\" fix registry"));
+  const OverseerRun run = RunOverseer(worker.Worker(L"--timeout 120 --registry all --yes --backup \"" + backup + L"\" fix registry"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_NE(run.out.find("fixing    com, paths, empty, association, types, fonts, help, dll, software, sound, "
                          "deep_scan, current_user"), npos) << run.out;

@@ -3,9 +3,8 @@
 #pragma once
 
 #include <string>
-#include <thread>
 
-#include "common/unique_handle.h"
+#include "support/worker_harness.h"
 
 namespace scourel::test {
 
@@ -18,16 +17,11 @@ struct OverseerRun {
 // arguments: everything after the program name.
 OverseerRun RunOverseer(const std::wstring& arguments, unsigned limitMs = 120000);
 
-// A SCOUREL_CLASS window on a thread of its own that takes every command and
-// replies to none; with hangMs its window procedure takes that long over each.
-class SilentWorker {
+// A SCOUREL_CLASS window that takes every command and replies to none; its
+// window procedure takes hangMs over each.
+class SilentWorker : public WindowThread {
  public:
   explicit SilentWorker(unsigned hangMs);
-  ~SilentWorker();
-
- private:
-  std::thread thread_;
-  HWND window_ = nullptr;
 };
 
 }  // namespace scourel::test

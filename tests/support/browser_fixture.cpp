@@ -177,15 +177,13 @@ const std::vector<TraceRow>& Rows() {
 // Wine has of its own, so that nothing is left behind.
 const std::pair<Root, const wchar_t*> kOwned[] = {
     {kLocal, L"Microsoft\\Windows\\Temporary Internet Files"},
-    {kLocal, L"Microsoft\\Windows\\INetCookies\\decoy@example[1].txt"},
-    {kLocal, L"Microsoft\\Internet Explorer"}, {kRoaming, L"Microsoft\\Internet Explorer"},
-    {kRoaming, L"Microsoft\\Windows\\Cookies"}, {kRoaming, L"Microsoft\\Windows\\IETldCache"},
-    {kRoaming, L"Microsoft\\Windows\\PrivacIE"}, {kRoaming, L"Microsoft\\Windows\\IECompatCache"},
-    {kRoaming, L"Microsoft\\Windows\\IEDownloadHistory"}, {kWindows, L"Downloaded Program Files"},
-    {kWindows, L"Downloaded Installations"},
-    {kLocal, L"Mozilla"}, {kLocal, L"Google"}, {kLocal, L"Apple Computer"}, {kLocal, L"Opera"},
-    {kLocal, L"Opera Software"}, {kRoaming, L"Mozilla"}, {kRoaming, L"Apple Computer"}, {kRoaming, L"Opera"},
-    {kRoaming, L"Opera Software"},
+    {kLocal, L"Microsoft\\Windows\\INetCookies\\decoy@example[1].txt"}, {kLocal, L"Microsoft\\Internet Explorer"},
+    {kRoaming, L"Microsoft\\Internet Explorer"}, {kRoaming, L"Microsoft\\Windows\\Cookies"},
+    {kRoaming, L"Microsoft\\Windows\\IETldCache"}, {kRoaming, L"Microsoft\\Windows\\PrivacIE"},
+    {kRoaming, L"Microsoft\\Windows\\IECompatCache"}, {kRoaming, L"Microsoft\\Windows\\IEDownloadHistory"},
+    {kWindows, L"Downloaded Program Files"}, {kWindows, L"Downloaded Installations"}, {kLocal, L"Mozilla"},
+    {kLocal, L"Google"}, {kLocal, L"Apple Computer"}, {kLocal, L"Opera"}, {kLocal, L"Opera Software"},
+    {kRoaming, L"Mozilla"}, {kRoaming, L"Apple Computer"}, {kRoaming, L"Opera"}, {kRoaming, L"Opera Software"},
 };
 
 const wchar_t kGateDirectory[] = L"C:\\scourel-tests\\browser-cwd";
@@ -231,19 +229,16 @@ DWORD ValueCount(const std::wstring& key) {
 
 void Plant(const TraceRow& row) {
   const std::wstring path = PathOf(row);
-  if (row.root == kKey) {
-    HKEY key = nullptr;
-    ::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-    const UniqueRegKey owned(key);
-    for (std::uint32_t i = 1; i <= row.size; ++i) {
-      const std::wstring name = L"url" + std::to_wstring(i), url = L"http://example.com/" + name;
-      ::RegSetValueExW(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(url.c_str()),
-                       static_cast<DWORD>((url.size() + 1) * sizeof(wchar_t)));
-    }
+  if (row.root != kKey) {
+    MakeDirs(path.substr(0, path.rfind(L'\\')));
+    if (!IsFolderRow(row)) WriteFileBytes(path, BytesOf(row));
     return;
   }
-  MakeDirs(path.substr(0, path.rfind(L'\\')));
-  if (!IsFolderRow(row)) WriteFileBytes(path, BytesOf(row));
+  for (std::uint32_t i = 1; i <= row.size; ++i) {  // the key comes with its first value
+    const std::wstring name = L"url" + std::to_wstring(i), url = L"http://example.com/" + name;
+    ::RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), REG_SZ, url.c_str(),
+                      static_cast<DWORD>((url.size() + 1) * sizeof(wchar_t)));
+  }
 }
 
 // Empty when the row is as a run that takes it (or not) leaves it.

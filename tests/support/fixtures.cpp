@@ -1,6 +1,6 @@
 #include "support/fixtures.h"
 
-#include <cstdlib>
+#include <cwctype>
 #include <stdexcept>
 
 #include "common/win.h"
@@ -98,58 +98,35 @@ std::wstring CanaryTree::Damage() const {
 
 namespace {
 
-std::string Narrow(const std::wstring& text) {
-  std::string out;
-  for (wchar_t c : text) out += static_cast<char>(c);
-  return out;
+// The file as the host sees it inside the sandbox's prefix: C:\x -> <prefix>/drive_c/x.
+std::wstring UnixPath(const std::wstring& windowsPath) {
+  wchar_t prefix[4096] = {};
+  const DWORD n = ::GetEnvironmentVariableW(L"WINEPREFIX", prefix, 4096);
+  std::wstring path = windowsPath;
+  if (path.size() >= 2 && path[1] == L':' && std::towupper(path[0]) == L'C') path = L"/drive_c" + path.substr(2);
+  for (wchar_t& c : path) c = c == L'\\' ? L'/' : c;
+  return (n < 4096 ? std::wstring(prefix, n) : std::wstring()) + path;
 }
 
-std::string EnvNarrow(const wchar_t* name) {
-  wchar_t value[4096];
-  const DWORD n = ::GetEnvironmentVariableW(name, value, 4096);
-  return n > 0 && n < 4096 ? Narrow(std::wstring(value, n)) : std::string();
+// Runs a shell command on the host: Wine starts a Unix program handed to
+// start.exe natively but cannot wait for it, so we wait for its effect on `path`.
+bool RunUnix(const std::wstring& command, const std::wstring& path, bool appears) {
+  if (RunAndWait(L"start.exe /unix /bin/sh -c \"" + command + L"\"") != 0) return false;
+  for (int i = 0; i < 200 && PathExists(path) != appears; ++i) ::Sleep(25);
+  return PathExists(path) == appears;
 }
 
-// Runs a host command: Wine starts a Unix program handed to CreateProcess
-// natively, but does not let us wait for it, so the caller polls for its effect.
-bool RunUnix(const std::wstring& command, const std::wstring& expectedPath) {
-  std::wstring line = L"start.exe /unix /bin/sh -c \"" + command + L"\"";
-  if (RunAndWait(line) != 0) return false;
-  for (int i = 0; i < 200; ++i) {
-    if (PathExists(expectedPath)) return true;
-    ::Sleep(25);
-  }
-  return false;
+bool Link(const wchar_t* how, const std::wstring& target, const std::wstring& link) {
+  return RunUnix(L"ln " + std::wstring(how) + L"'" + UnixPath(target) + L"' '" + UnixPath(link) + L"'", link, true);
 }
-
-std::wstring Widen(const std::string& text) { return std::wstring(text.begin(), text.end()); }
 
 }  // namespace
 
-std::string UnixPath(const std::wstring& windowsPath) {
-  std::string prefix = EnvNarrow(L"WINEPREFIX");
-  std::string rest = Narrow(windowsPath);
-  if (rest.size() >= 2 && (rest[0] == 'C' || rest[0] == 'c') && rest[1] == ':') rest = "/drive_c" + rest.substr(2);
-  for (char& c : rest) {
-    if (c == '\\') c = '/';
-  }
-  return prefix + rest;
-}
-
-bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link) {
-  return RunUnix(L"ln -s '" + Widen(UnixPath(target)) + L"' '" + Widen(UnixPath(link)) + L"'", link);
-}
+bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link) { return Link(L"-s ", target, link); }
+bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link) { return Link(L"", existing, link); }
 
 void RemoveUnixLink(const std::wstring& link) {
-  if (!PathExists(link)) return;
-  const std::string unix = UnixPath(link);
-  RunAndWait(L"start.exe /unix /bin/rm -f \"" + std::wstring(unix.begin(), unix.end()) + L"\"");
-  // start.exe does not wait for a Unix program: wait for its effect.
-  for (int i = 0; i < 200 && PathExists(link); ++i) ::Sleep(25);
-}
-
-bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link) {
-  return RunUnix(L"ln '" + Widen(UnixPath(existing)) + L"' '" + Widen(UnixPath(link)) + L"'", link);
+  if (PathExists(link)) RunUnix(L"rm -f '" + UnixPath(link) + L"'", link, false);
 }
 
 ScratchKey::ScratchKey(const std::wstring& name) : path_(L"Software\\ScourelTests\\" + name) {
@@ -165,24 +142,34 @@ ScratchKey::~ScratchKey() {
   ::RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\ScourelTests");
 }
 
-int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs) {
+UniqueHandleKernel StartProgram(std::wstring commandLine, HANDLE out, HANDLE err) {
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
+  if (out || err) startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdOutput = out;
+  startup.hStdError = err;
   PROCESS_INFORMATION info{};
-  std::wstring mutableLine = commandLine;
-  if (!::CreateProcessW(nullptr, mutableLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+  if (!::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, out || err, 0, nullptr, nullptr, &startup,
                         &info)) {
-    return -1;
+    return {};
   }
-  UniqueHandleKernel process(info.hProcess);
-  UniqueHandleKernel thread(info.hThread);
-  if (::WaitForSingleObject(process.get(), timeoutMs) != WAIT_OBJECT_0) {
-    ::TerminateProcess(process.get(), 1);
-    return -1;
-  }
+  const UniqueHandleKernel thread(info.hThread);
+  return UniqueHandleKernel(info.hProcess);
+}
+
+int WaitAndEnd(HANDLE process, unsigned timeoutMs) {
   DWORD code = 0;
-  ::GetExitCodeProcess(process.get(), &code);
-  return static_cast<int>(code);
+  if (::WaitForSingleObject(process, timeoutMs) == WAIT_OBJECT_0 && ::GetExitCodeProcess(process, &code)) {
+    return static_cast<int>(code);
+  }
+  ::TerminateProcess(process, 1);
+  ::WaitForSingleObject(process, 5000);
+  return -1;
+}
+
+int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs) {
+  const UniqueHandleKernel process = StartProgram(commandLine);
+  return process ? WaitAndEnd(process.get(), timeoutMs) : -1;
 }
 
 void CloseRunningWorkers() {
@@ -203,6 +190,13 @@ std::wstring ProgramDir() {
   ::GetModuleFileNameW(nullptr, path, MAX_PATH);
   std::wstring dir = path;
   return dir.substr(0, dir.rfind(L'\\'));
+}
+
+std::wstring InstallCopy(const std::wstring& root, const std::wstring& program) {
+  MakeDirs(root + L"\\bin");
+  const std::wstring exe = root + L"\\bin\\scourel.exe";
+  ::CopyFileW((ProgramDir() + L"\\" + program).c_str(), exe.c_str(), FALSE);
+  return exe;
 }
 
 }  // namespace scourel::test

@@ -2,7 +2,6 @@
 // tree that must survive every walk and delete, and a scratch registry key.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -48,9 +47,6 @@ class CanaryTree {
   std::map<std::wstring, std::string> files_;
 };
 
-// Unix path of a Windows path inside the sandbox (for links made from the
-// host side), e.g. C:\x -> <prefix>/drive_c/x.
-std::string UnixPath(const std::wstring& windowsPath);
 // Makes a Unix symbolic link from the host side; Wine shows a link to a
 // folder as a reparse point.
 bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link);
@@ -93,6 +89,11 @@ inline Cleanup RemovedAtEnd(std::vector<std::wstring> paths) {
   });
 }
 
+// Starts a program, with its standard output and error in the handles given
+// (inheritable) or none; empty when it cannot start.
+UniqueHandleKernel StartProgram(std::wstring commandLine, HANDLE out = nullptr, HANDLE err = nullptr);
+// Waits for the process, ending it when it outlives the time; its exit code or -1.
+int WaitAndEnd(HANDLE process, unsigned timeoutMs);
 // Runs a program and waits for it; returns its exit code or -1.
 int RunAndWait(const std::wstring& commandLine, unsigned timeoutMs = 60000);
 
@@ -101,5 +102,8 @@ void CloseRunningWorkers();
 
 // The folder of the running test program (build\bin).
 std::wstring ProgramDir();
+// Copies a program of that folder to <root>\bin\scourel.exe, where as a
+// worker it reads <root>\Settings.INI; returns the copy's path.
+std::wstring InstallCopy(const std::wstring& root, const std::wstring& program = L"scourel.exe");
 
 }  // namespace scourel::test

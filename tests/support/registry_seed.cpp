@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "common/unique_handle.h"
-#include "registry_cleaner/installer_scans.h"
 
 namespace scourel::test {
 
@@ -59,13 +58,10 @@ SeededRegistry::SeededRegistry() {
   MakeDirs(p);
   for (const wchar_t* file : {L"app.exe", L"lib.dll", L"font.ttf", L"help.hlp"}) WriteFileBytes(p + L"\\" + file, "x");
   const std::wstring r1 = Class(L"01"), m1 = Class(L"02");
-  const std::wstring store =
-      L"Software\\Microsoft\\Windows NT\\CurrentVersion\\AppCompatFlags\\Compatibility "
-      L"Assistant\\Store";
-  const std::wstring fonts = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Fonts";
+  const std::wstring nt = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\", fonts = nt + L"Fonts";
+  const std::wstring store = nt + L"AppCompatFlags\\Compatibility Assistant\\Store";
   const std::wstring fileExts = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts\\";
   const std::wstring mui = L"Software\\Classes\\Local Settings\\Software\\Microsoft\\Windows\\Shell\\MuiCache";
-  const std::wstring packedKept = L"1000E0C50000000408000000000000B2";
   using F = Fate;
   entries_ = {
       {0, F::kCanary, HKCR, L"CLSID\\" + r1 + L"\\InprocServer32", L"", p + L"\\lib.dll"},
@@ -113,8 +109,9 @@ SeededRegistry::SeededRegistry() {
       {10, F::kValueGoes, HKLM, kVersion + L"Installer\\Folders", (m + L"\\folder\\"), L""},
       {10, F::kCanary, HKLM, kVersion + L"Installer\\Folders", (p + L"\\"), L""},
       {10, F::kKeyGoes, HKCR, L"Installer\\Products\\1000E0C50000000408000000000000A1", L"ProductName", L"Gone"},
-      {10, F::kCanary, HKCR, L"Installer\\Products\\" + packedKept, L"ProductName", L"Kept"},
-      {10, F::kPart, HKLM, kVersion + L"Uninstall\\" + *UnpackGuid(packedKept), L"DisplayName", L"Kept"},
+      // Packed, the GUID of the uninstall key below.
+      {10, F::kCanary, HKCR, L"Installer\\Products\\1000E0C50000000408000000000000B2", L"ProductName", L"Kept"},
+      {10, F::kPart, HKLM, kVersion + L"Uninstall\\{5C0E0001-0000-4000-8000-00000000002B}", L"DisplayName", L"Kept"},
       {10, F::kKeyGoes, HKCR, L"Installer\\Patches\\1000E0C50000000408000000000000C3", L"State", L"1"},
       {11, F::kValueGoes, HKCU, L"AppEvents\\EventLabels\\ScourelEvent", L"DispFileName", L"@" + m + L"\\res.dll,-5"},
       {11, F::kPart, HKCU, L"AppEvents\\EventLabels\\ScourelEvent", L"", L"Scourel event"},
@@ -145,23 +142,18 @@ std::wstring SeededRegistry::Damage(const std::vector<int>& fixed) const {
 std::set<std::wstring> SeededRegistry::Snapshot() const {
   std::set<std::wstring> lines;
   for (const SeedEntry& e : entries_) {
-    for (std::size_t end = e.path.find(L'\\');; end = e.path.find(L'\\', end + 1)) {
-      const std::wstring path = e.path.substr(0, end),
-                         where = std::to_wstring(reinterpret_cast<ULONG_PTR>(e.root)) + L"|" + path;
-      UniqueRegKey key;
-      if (::RegOpenKeyExW(e.root, path.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS) {
-        lines.insert(where);
-        for (DWORD i = 0;; ++i) {
-          wchar_t name[512];
-          BYTE data[4096];
-          DWORD nameLength = 512, size = sizeof data, type = 0;
-          if (::RegEnumValueW(key.get(), i, name, &nameLength, nullptr, &type, data, &size) != ERROR_SUCCESS) break;
-          std::wstring line = where + L"|" + name + L"|" + std::to_wstring(type) + L"|";
-          for (DWORD b = 0; b < size; ++b) line += std::to_wstring(data[b]) + L",";
-          lines.insert(line);
-        }
-      }
-      if (end == std::wstring::npos) break;
+    const std::wstring where = std::to_wstring(reinterpret_cast<ULONG_PTR>(e.root)) + L"|" + e.path;
+    UniqueRegKey key;
+    if (::RegOpenKeyExW(e.root, e.path.c_str(), 0, KEY_READ, key.put()) != ERROR_SUCCESS) continue;
+    lines.insert(where);
+    for (DWORD i = 0;; ++i) {
+      wchar_t name[512];
+      BYTE data[4096];
+      DWORD nameLength = 512, size = sizeof data, type = 0;
+      if (::RegEnumValueW(key.get(), i, name, &nameLength, nullptr, &type, data, &size) != ERROR_SUCCESS) break;
+      std::wstring line = where + L"|" + name + L"|" + std::to_wstring(type) + L"|";
+      for (DWORD b = 0; b < size; ++b) line += std::to_wstring(data[b]) + L",";
+      lines.insert(line);
     }
   }
   return lines;

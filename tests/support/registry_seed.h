@@ -70,8 +70,8 @@ class SeededRegistry {
   // Empty when every entry stands as it must after fixing the categories
   // given; otherwise the first entry that does not.
   std::wstring Damage(const std::vector<int>& fixedCategories) const;
-  // Every seeded key and the keys above it, with their values' names, types
-  // and bytes: what a restore must bring back exactly.
+  // Every seeded key with its values' names, types and bytes: what a
+  // restore must bring back exactly.
   std::set<std::wstring> Snapshot() const;
 
  private:

@@ -1,45 +1,52 @@
 #include "support/worker_harness.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cwchar>
 
-#include "common/hidden_window.h"
 #include "protocol/messages.h"
 #include "support/fixtures.h"
 
 namespace scourel::test {
 
-namespace {
+WindowThread::WindowThread(const wchar_t* className, const wchar_t* title, HiddenWindow::Handler handler) {
+  const UniqueHandleKernel ready(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  thread_ = std::thread([this, className, title, handler = std::move(handler), event = ready.get()]() mutable {
+    HiddenWindow window;
+    WindowSpec spec;
+    spec.className = className;
+    spec.title = title;
+    spec.style = 0;
+    if (!window.Register(spec)) (void)window.Create(std::move(handler));
+    window_ = window.get();
+    threadId_ = ::GetCurrentThreadId();
+    ::SetEvent(event);
+    for (MSG message; ::GetMessageW(&message, nullptr, 0, 0) > 0;) ::DispatchMessageW(&message);
+  });
+  ::WaitForSingleObject(ready.get(), INFINITE);
+}
 
-constexpr UINT kQuit = WM_APP + 1;
-
-bool IsReply(UINT id) { return id == WM_COPYDATA || (id >= 2034 && id <= 2088); }
-
-}  // namespace
+WindowThread::~WindowThread() {
+  ::PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
+  thread_.join();
+}
 
 WorkerHarness::WorkerHarness(const std::wstring& name, const std::wstring& modeArgument, bool controller)
     : root_(L"C:\\scourel-tests\\" + name) {
   CloseRunningWorkers();  // a worker left by an earlier test would answer our commands
   RemoveTree(root_);
-  MakeDirs(root_ + L"\\bin");
-  const std::wstring exe = root_ + L"\\bin\\scourel.exe";
-  ::CopyFileW((ProgramDir() + L"\\scourel.exe").c_str(), exe.c_str(), FALSE);
-
+  const std::wstring exe = InstallCopy(root_);
   if (controller) {
-    ready_.reset(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    thread_ = std::thread([this] { ControllerThread(); });
-    ::WaitForSingleObject(ready_.get(), 10000);
+    controller_.emplace(protocol::kControllerClass, L"test controller",
+                        [this](HWND, UINT id, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
+                          if (id != WM_COPYDATA && (id < 2034 || id > 2088)) return std::nullopt;
+                          Record(id, wParam, lParam);
+                          return id == WM_COPYDATA ? TRUE : 0;
+                        });
   }
-
-  std::wstring line = L"\"" + exe + L"\"";
-  if (!modeArgument.empty()) line += L" " + modeArgument;
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION info{};
-  if (!::CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
-  process_.reset(info.hProcess);
-  UniqueHandleKernel thread(info.hThread);
+  process_ = StartProgram(L"\"" + exe + L"\"" + (modeArgument.empty() ? L"" : L" " + modeArgument));
   // The worker is ready once its window exists; it announces nothing else.
-  for (int i = 0; i < 1000 && !worker_; ++i) {
+  for (int i = 0; i < 1000 && process_ && !worker_; ++i) {
     worker_ = ::FindWindowW(protocol::kWorkerClass, nullptr);
     if (!worker_) ::Sleep(10);
   }
@@ -48,42 +55,14 @@ WorkerHarness::WorkerHarness(const std::wstring& name, const std::wstring& modeA
 WorkerHarness::~WorkerHarness() {
   if (process_) {
     if (worker_) ::PostMessageW(worker_, WM_CLOSE, 0, 0);
-    if (::WaitForSingleObject(process_.get(), 5000) != WAIT_OBJECT_0) ::TerminateProcess(process_.get(), 1);
+    WaitAndEnd(process_.get(), 5000);
   }
-  if (thread_.joinable()) {
-    ::PostMessageW(controller_, kQuit, 0, 0);
-    thread_.join();
-  }
+  controller_.reset();
   RemoveTree(root_);
 }
 
-void WorkerHarness::ControllerThread() {
-  HiddenWindow window;
-  WindowSpec spec;
-  spec.className = protocol::kControllerClass;
-  spec.title = L"test controller";
-  if (!window.Register(spec)) {
-    (void)window.Create([this](HWND, UINT id, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
-      if (!IsReply(id)) return std::nullopt;
-      Record(id, wParam, lParam);
-      return id == WM_COPYDATA ? TRUE : 0;
-    });
-  }
-  controller_ = window.get();
-  ::SetEvent(ready_.get());
-  MSG message;
-  while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
-    if (message.message == kQuit) break;
-    ::DispatchMessageW(&message);
-  }
-}
-
 void WorkerHarness::Record(UINT id, WPARAM wParam, LPARAM lParam) {
-  ReceivedMessage message;
-  message.id = id;
-  message.wParam = wParam;
-  message.lParam = lParam;
-  message.sent = ::InSendMessage();
+  ReceivedMessage message{.id = id, .wParam = wParam, .lParam = lParam, .sent = ::InSendMessage() != FALSE};
   if (id == WM_COPYDATA) {
     const auto* record = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
     message.kind = static_cast<unsigned>(record->dwData);
@@ -91,9 +70,7 @@ void WorkerHarness::Record(UINT id, WPARAM wParam, LPARAM lParam) {
     const auto* data = static_cast<const std::uint8_t*>(record->lpData);
     message.bytes.assign(data, data + record->cbData);
     const auto* text = static_cast<const wchar_t*>(record->lpData);
-    size_t length = 0;
-    while (length < record->cbData / sizeof(wchar_t) && text[length]) ++length;
-    message.text.assign(text, length);
+    message.text.assign(text, ::wcsnlen(text, record->cbData / sizeof(wchar_t)));
   }
   {
     std::lock_guard lock(mutex_);
@@ -106,10 +83,6 @@ void WorkerHarness::WriteSetting(const std::wstring& key, const std::wstring& va
   ::WritePrivateProfileStringW(L"Corvane Suite", key.c_str(), value.c_str(), settingsPath().c_str());
 }
 
-void WorkerHarness::RemoveSetting(const std::wstring& key) {
-  ::WritePrivateProfileStringW(L"Corvane Suite", key.c_str(), nullptr, settingsPath().c_str());
-}
-
 LRESULT WorkerHarness::Send(UINT id, WPARAM wParam, LPARAM lParam) {
   DWORD_PTR result = 0;
   ::SendMessageTimeoutW(worker_, id, wParam, lParam, SMTO_NORMAL, 60000, &result);
@@ -117,18 +90,16 @@ LRESULT WorkerHarness::Send(UINT id, WPARAM wParam, LPARAM lParam) {
 }
 
 std::optional<ReceivedMessage> WorkerHarness::WaitMatching(UINT id, unsigned kind, DWORD timeoutMs) {
-  std::unique_lock lock(mutex_);
   std::optional<ReceivedMessage> found;
-  arrived_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] {
-    for (size_t i = cursor_; i < received_.size(); ++i) {
-      if (received_[i].id == id && (id != WM_COPYDATA || received_[i].kind == kind)) {
+  WaitUntil([&](const std::vector<ReceivedMessage>& received) {
+    for (size_t i = cursor_; i < received.size() && !found; ++i) {
+      if (received[i].id == id && (id != WM_COPYDATA || received[i].kind == kind)) {
         cursor_ = i + 1;
-        found = received_[i];
-        return true;
+        found = received[i];
       }
     }
-    return false;
-  });
+    return found.has_value();
+  }, timeoutMs);
   return found;
 }
 
@@ -143,16 +114,15 @@ bool WorkerHarness::NothingArrives(DWORD timeoutMs) {
 }
 
 bool WorkerHarness::WaitForCount(UINT id, size_t count, DWORD timeoutMs) {
-  return WaitUntil(
-      [&](const std::vector<ReceivedMessage>& received) {
-        size_t seen = 0;
-        for (const ReceivedMessage& message : received) seen += message.id == id ? 1 : 0;
-        return seen >= count;
-      },
-      timeoutMs);
+  return WaitUntil([&](const std::vector<ReceivedMessage>& received) {
+    return std::count_if(received.begin(), received.end(), [&](const auto& m) { return m.id == id; }) >=
+           static_cast<std::ptrdiff_t>(count);
+  }, timeoutMs);
 }
 
-std::optional<ReceivedMessage> WorkerHarness::WaitFor(UINT id, DWORD timeoutMs) { return WaitMatching(id, 0, timeoutMs); }
+std::optional<ReceivedMessage> WorkerHarness::WaitFor(UINT id, DWORD timeoutMs) {
+  return WaitMatching(id, 0, timeoutMs);
+}
 
 std::optional<ReceivedMessage> WorkerHarness::WaitForCopyData(unsigned kind, DWORD timeoutMs) {
   return WaitMatching(WM_COPYDATA, kind, timeoutMs);

@@ -3,18 +3,38 @@
 // the worker sends it.
 #pragma once
 
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <condition_variable>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "common/hidden_window.h"
 #include "common/unique_handle.h"
 
 namespace scourel::test {
+
+// A hidden window of a class of our choosing on a thread of its own, running
+// its message loop: the test controller below, or a stand-in worker. The
+// window exists once constructed; it goes, and the thread is joined, on
+// destruction.
+class WindowThread {
+ public:
+  WindowThread(const wchar_t* className, const wchar_t* title, HiddenWindow::Handler handler);
+  ~WindowThread();
+  WindowThread(const WindowThread&) = delete;
+  WindowThread& operator=(const WindowThread&) = delete;
+
+  HWND get() const { return window_; }
+
+ private:
+  std::thread thread_;
+  DWORD threadId_ = 0;
+  HWND window_ = nullptr;
+};
 
 struct ReceivedMessage {
   UINT id = 0;
@@ -24,8 +44,8 @@ struct ReceivedMessage {
   // WM_COPYDATA only:
   unsigned kind = 0;
   std::uint32_t cbData = 0;
-  std::wstring text;           // up to the first zero
-  std::vector<std::uint8_t> bytes;  // the cbData bytes as received
+  std::wstring text{};                // up to the first zero
+  std::vector<std::uint8_t> bytes{};  // the cbData bytes as received
 };
 
 class WorkerHarness {
@@ -41,12 +61,11 @@ class WorkerHarness {
 
   bool Started() const { return worker_ != nullptr; }
   HWND worker() const { return worker_; }
-  HWND controller() const { return controller_; }
+  HWND controller() const { return controller_ ? controller_->get() : nullptr; }
   const std::wstring& root() const { return root_; }
   std::wstring settingsPath() const { return root_ + L"\\Settings.INI"; }
 
   void WriteSetting(const std::wstring& key, const std::wstring& value);
-  void RemoveSetting(const std::wstring& key);
 
   // Sends a command and returns the window procedure's result.
   LRESULT Send(UINT id, WPARAM wParam = 0, LPARAM lParam = 0);
@@ -71,16 +90,13 @@ class WorkerHarness {
   std::optional<DWORD> WaitExit(DWORD timeoutMs = 30000);
 
  private:
-  void ControllerThread();
   void Record(UINT id, WPARAM wParam, LPARAM lParam);
   std::optional<ReceivedMessage> WaitMatching(UINT id, unsigned kind, DWORD timeoutMs);
 
   std::wstring root_;
   UniqueHandleKernel process_;
   HWND worker_ = nullptr;
-  HWND controller_ = nullptr;
-  std::thread thread_;
-  UniqueHandleKernel ready_;
+  std::optional<WindowThread> controller_;
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::vector<ReceivedMessage> received_;
