@@ -24,10 +24,14 @@ struct Expected {
   const wchar_t* textPattern;  // copy data: the whole text must match
 };
 
+// Progress steps are posted and results sent, so a result may overtake the
+// last steps in the controller's queue: the two are compared apart.
 struct CommandCase {
   const char* name;
   UINT command;
-  std::vector<Expected> replies;  // in order; nothing else may arrive
+  std::vector<Expected> results;  // in order; nothing else may arrive
+  UINT progress = 0;              // posted with wParam 1 .. steps
+  std::size_t steps = 0;
 };
 
 #define SIZE L"\\d+\\.\\d\\d [KMG]B"
@@ -39,21 +43,6 @@ Expected Posted(UINT id, Param w = Param::kZero) { return {id, 0, false, w, true
 Expected Sent(UINT id, Param w, bool lParamZero) { return {id, 0, true, w, lParamZero, 0, nullptr}; }
 Expected Copy(unsigned kind, Param w, const wchar_t* pattern) {
   return {WM_COPYDATA, kind, true, w, false, protocol::RecordBytes(kind), pattern};
-}
-
-std::vector<Expected> Progress(UINT id, int steps) {
-  std::vector<Expected> out;
-  for (int i = 1; i <= steps; ++i) {
-    Expected e = Posted(id, Param::kAny);
-    e.lParamZero = true;
-    out.push_back(e);
-  }
-  return out;
-}
-
-std::vector<Expected> Concat(std::vector<Expected> a, const std::vector<Expected>& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
 }
 
 const wchar_t* const kBrowserPattern =
@@ -69,12 +58,11 @@ std::vector<CommandCase> StartCases() {
       {"shortcuts 2", 2064, {Sent(2065, Param::kAny, false)}},
       {"extension fix", 2043, {Sent(2044, Param::kWorker, true)}},
       {"extension fix 2", 2067, {Sent(2068, Param::kWorker, true)}},
-      {"browser", 2046, Concat(Progress(2083, 9), {Copy(305, Param::kWorker, kBrowserPattern)})},
+      {"browser", 2046, {Copy(305, Param::kWorker, kBrowserPattern)}, 2083, 9},
       {"browser 2", 2070, {Sent(2071, Param::kWorker, true)}},
       {"pc traces", 2049,
-       Concat(Progress(2082, 6),
-              {Copy(303, Param::kWorker, N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N
-                                         L"\\\\pc " N)})},
+       {Copy(303, Param::kWorker, N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N)},
+       2082, 6},
       {"pc traces 2", 2073, {Posted(2074, Param::kWorker)}},
       {"recycle bin", 2052, {Sent(2053, Param::kAny, false)}},
       {"recycle bin 2", 2076, {Sent(2077, Param::kAny, false)}},
@@ -126,39 +114,22 @@ TEST(WorkerProtocolTest, EveryStartCommandRepliesAsSpecified) {
     SCOPED_TRACE(c.name);
     worker.ClearReceived();
     EXPECT_EQ(worker.Send(c.command), 0);
-    // Wait for the last expected reply, then compare everything that came.
-    const Expected& last = c.replies.back();
-    auto done = last.id == WM_COPYDATA ? worker.WaitForCopyData(last.kind) : worker.WaitFor(last.id);
-    ASSERT_TRUE(done) << "no final reply";
-    for (const auto& e : c.replies) {
-      if (e.id == 2082 || e.id == 2083) {
-        ASSERT_TRUE(worker.WaitForCount(e.id, e.id == 2082 ? 6 : 9));
-      }
-    }
-    // Progress steps are posted and results sent, so a result may overtake
-    // the last steps in the controller's queue: compare the two apart.
+    const Expected& last = c.results.back();
+    ASSERT_TRUE(last.id == WM_COPYDATA ? worker.WaitForCopyData(last.kind) : worker.WaitFor(last.id));
+    ASSERT_TRUE(!c.steps || worker.WaitForCount(c.progress, c.steps));
     std::vector<ReceivedMessage> progress, results;
-    for (auto& m : worker.Received()) (m.id == 2082 || m.id == 2083 ? progress : results).push_back(m);
-    std::vector<Expected> wantResults;
-    size_t wantProgress = 0;
-    for (const auto& e : c.replies) {
-      if (e.id == 2082 || e.id == 2083) {
-        ++wantProgress;
-      } else {
-        wantResults.push_back(e);
-      }
-    }
-    ASSERT_EQ(progress.size(), wantProgress);
+    for (auto& m : worker.Received()) (c.steps && m.id == c.progress ? progress : results).push_back(m);
+    ASSERT_EQ(progress.size(), c.steps);
     for (size_t i = 0; i < progress.size(); ++i) {
       EXPECT_FALSE(progress[i].sent);
       EXPECT_EQ(progress[i].wParam, i + 1) << "progress step";
       EXPECT_EQ(progress[i].lParam, 0);
     }
-    ASSERT_EQ(results.size(), wantResults.size());
+    ASSERT_EQ(results.size(), c.results.size());
     for (size_t i = 0; i < results.size(); ++i) {
       SCOPED_TRACE(i);
-      EXPECT_EQ(results[i].id, wantResults[i].id);
-      CheckReply(worker, results[i], wantResults[i]);
+      EXPECT_EQ(results[i].id, c.results[i].id);
+      CheckReply(worker, results[i], c.results[i]);
     }
   }
 }

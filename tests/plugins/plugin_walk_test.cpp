@@ -4,20 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "common/known_folders.h"
-#include "common/registry_key.h"
 #include "plugins/plugin_definitions.h"
 #include "plugins/plugin_files.h"
-#include "support/fixtures.h"
+#include "support/registry_seed.h"
 #include "support/task_fixture.h"
 #include "support/worker_harness.h"
 
 namespace scourel::test {
 namespace {
-
-bool KeyThere(const std::wstring& path) { return static_cast<bool>(OpenRegKey(HKEY_CURRENT_USER, path, KEY_READ)); }
-bool ValueThere(const std::wstring& path, const wchar_t* name) {
-  return ::RegGetValueW(HKEY_CURRENT_USER, path.c_str(), name, RRF_RT_ANY, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-}
 
 // Plug-ins with real targets: files below %LocalAppData%, keys below the
 // test key, links to a canary, and plug-in files no walk may read. The scan
@@ -72,7 +66,7 @@ TEST(PluginWalkTest, FullScanCountsAndTheCleanTakesWhatThePluginsName) {
   };
   EXPECT_EQ(scanText(), L"10\\pss1.51 KB");
   EXPECT_FALSE(::GetFileAttributesW((plugins + L"\\a.cv").c_str()) & FILE_ATTRIBUTE_READONLY);
-  EXPECT_TRUE(PathExists(file(L"cache\\deep\\y.bin")) && KeyThere(key(L"k1")));
+  EXPECT_TRUE(PathExists(file(L"cache\\deep\\y.bin")) && KeyPresent(HKEY_CURRENT_USER, key(L"k1")));
   // Two plug-ins: the folder named like one is none. Without an install root, none at all.
   EXPECT_EQ(RunPlugins(TestContext(Mode::kMeasure, 0, L"", worker.root())), 2);
   EXPECT_EQ(RunPlugins(TestContext(Mode::kMeasure)), -1);
@@ -87,11 +81,11 @@ TEST(PluginWalkTest, FullScanCountsAndTheCleanTakesWhatThePluginsName) {
   for (const wchar_t* kept : {L"logs\\keep.txt", L"logs\\sub.log\\inner.log", L"cache\\link", L"keep\\file.txt"}) {
     EXPECT_TRUE(PathExists(file(kept))) << kept;
   }
-  EXPECT_FALSE(KeyThere(key(L"k1")));
-  EXPECT_TRUE(KeyThere(key(L"k3")) && KeyThere(key(L"k131")) && KeyThere(key(L"keep")));
-  EXPECT_FALSE(ValueThere(key(L"vals"), L"v1"));
-  EXPECT_FALSE(ValueThere(key(L"vals"), L""));  // no comma: the default value
-  EXPECT_TRUE(ValueThere(key(L"vals"), L"other"));
+  EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, key(L"k1")));
+  for (const wchar_t* kept : {L"k3", L"k131", L"keep"}) EXPECT_TRUE(KeyPresent(HKEY_CURRENT_USER, key(kept))) << kept;
+  EXPECT_FALSE(ValuePresent(HKEY_CURRENT_USER, key(L"vals"), L"v1"));
+  EXPECT_FALSE(ValuePresent(HKEY_CURRENT_USER, key(L"vals"), L""));  // no comma: the default value
+  EXPECT_TRUE(ValuePresent(HKEY_CURRENT_USER, key(L"vals"), L"other"));
   EXPECT_EQ(canary.Damage(), L"");
 
   // The plug-in totals are never reset: the next scan adds what is left (the

@@ -56,13 +56,15 @@ class SettingsFileTest : public testing::Test {
   std::wstring path_ = dir_ / L"Settings.INI";
 };
 
-TEST_F(SettingsFileTest, SwitchesReadThroughTheIniFile) {
+TEST_F(SettingsFileTest, SwitchesReadThroughTheIniFileAndLongValuesAreCut) {
+  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));  // no file
   Write(
       "[Corvane Suite]\r\n"
       "IDS_CCACHE=TRUE\r\n"
       "IDS_CCOOKIES=true\r\n"
       "IDS_CHISTORY=\"TRUE \"\r\n"
       "IDS_CSESSION=TRUE\r\n"
+      "IDS_WIPEALGORITHM=" + std::string(150, '7') + "\r\n"
       "[Other]\r\n"
       "IDS_CICONS=TRUE\r\n");
   EXPECT_TRUE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));
@@ -71,16 +73,6 @@ TEST_F(SettingsFileTest, SwitchesReadThroughTheIniFile) {
   EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"AUTOCOMPLETE", kBrowserChars));  // missing key
   EXPECT_FALSE(ReadSwitch(KeyFamily::kPlain, L"SESSION", kBrowserChars));  // other family
   EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"ICONS", kBrowserChars));  // other section
-}
-
-TEST_F(SettingsFileTest, MissingFileOrSectionReadsAllOff) {
-  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));
-  Write("[Something Else]\r\nIDS_CCACHE=TRUE\r\n");
-  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));
-}
-
-TEST_F(SettingsFileTest, LongValuesAreCutByTheBuffer) {
-  Write("[Corvane Suite]\r\nIDS_WIPEALGORITHM=" + std::string(150, '7') + "\r\n");
   EXPECT_EQ(ReadSetting(path_, L"IDS_WIPEALGORITHM", kWipeAlgorithmChars).size(), kWipeAlgorithmChars - 1);
 }
 

@@ -1,4 +1,4 @@
-// Pass counts and buffers, the runtime fallback's bytes, and the obscured name.
+// Pattern buffers, the runtime fallback's bytes, and the obscured name.
 #include "wipe/wipe_passes.h"
 
 #include <gtest/gtest.h>
@@ -14,13 +14,6 @@
 
 namespace scourel {
 namespace {
-
-TEST(WipePasses, PassCountPerMethod) {
-  const std::uint32_t expected[] = {1, 1, 3, 3, 7, 7, 7, 35, 38, 0, 0};
-  for (std::uint32_t method = 0; method < std::size(expected); ++method)
-    EXPECT_EQ(CEraserJunkData::PassCount(method), expected[method]) << method;
-  EXPECT_EQ(CEraserJunkData::PassCount(0xFFFFFFFFu), 0u);
-}
 
 // Steps run while fewer than length - 1 bytes are written: an odd-length pair
 // buffer keeps its last byte untouched, a triple step may end past it.
