@@ -45,8 +45,7 @@ Expected Copy(unsigned kind, Param w, const wchar_t* pattern) {
   return {WM_COPYDATA, kind, true, w, false, protocol::RecordBytes(kind), pattern};
 }
 
-const wchar_t* const kBrowserPattern =
-    GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP L" " GROUP;
+const wchar_t* const kBrowserPattern = L"(" GROUP L" ){9}" GROUP;
 
 std::vector<CommandCase> StartCases() {
   return {
@@ -60,9 +59,7 @@ std::vector<CommandCase> StartCases() {
       {"extension fix 2", 2067, {Sent(2068, Param::kWorker, true)}},
       {"browser", 2046, {Copy(305, Param::kWorker, kBrowserPattern)}, 2083, 9},
       {"browser 2", 2070, {Sent(2071, Param::kWorker, true)}},
-      {"pc traces", 2049,
-       {Copy(303, Param::kWorker, N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N)},
-       2082, 6},
+      {"pc traces", 2049, {Copy(303, Param::kWorker, L"(" N L"\\\\pc ){6}" N)}, 2082, 6},
       {"pc traces 2", 2073, {Posted(2074, Param::kWorker)}},
       {"recycle bin", 2052, {Sent(2053, Param::kAny, false)}},
       {"recycle bin 2", 2076, {Sent(2077, Param::kAny, false)}},
@@ -70,9 +67,7 @@ std::vector<CommandCase> StartCases() {
       {"full scan",
        2087,
        {Copy(101, Param::kController, N L"\\\\j" SIZE L"\\\\j" N),
-        Copy(107, Param::kController,
-             N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N
-             L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv " N L"\\\\cv"),
+        Copy(107, Param::kController, L"(" N L"\\\\cv ){11}" N L"\\\\cv"),
         Copy(109, Param::kController, L"Scanning Completed"),
         Copy(102, Param::kController, N L"\\\\s" SIZE),
         Copy(108, Param::kController, N),
@@ -152,7 +147,7 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
   const StopCase cases[] = {
       {2073, 2074, 0, 2075, Sent(2075, Param::kWorker, true)},
       {2073, 2074, 0, 2051,
-       Copy(304, Param::kWorker, N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc " N L"\\\\pc.*")},
+       Copy(304, Param::kWorker, L"(" N L"\\\\pc ){4}" N L"\\\\pc.*")},
       {2046, WM_COPYDATA, 305, 2048, Copy(306, Param::kWorker, kBrowserPattern)},
       {2046, WM_COPYDATA, 305, 2072, Posted(2072, Param::kWorker)},
   };
