@@ -23,9 +23,7 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   // A symbolic link is deleted itself; its target is never written, and its
   // attributes are not touched either (setting them would reach the target).
   if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
-    if (Raised(stop_)) return ShredOutcome::kStopped;
-    RenameAndDelete(path);
-    return ShredOutcome::kDeletedWithoutOverwrite;
+    return RenameAndDeleteUnlessStopped(path) ? ShredOutcome::kDeletedWithoutOverwrite : ShredOutcome::kStopped;
   }
 
   // Clears read-only, hidden and system so the file opens and deletes. When
@@ -75,10 +73,17 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   io_.Close(file);
   ReleaseRandomKey();
   // A stop during the last cluster or the flush still leaves the name alone.
-  if (Raised(stop_)) return ShredOutcome::kStopped;
+  return RenameAndDeleteUnlessStopped(path) ? outcome : ShredOutcome::kStopped;
+}
 
-  RenameAndDelete(path);
-  return outcome;
+bool CFileShred::RenameAndDeleteUnlessStopped(const std::wstring& path) {
+  if (stop_ == nullptr) {
+    RenameAndDelete(path);
+    return true;
+  }
+  // Under the flag's lock: a stop answered first leaves the name alone, and
+  // one that comes meanwhile is answered once the file is gone, never before.
+  return stop_->RunUnlessRaised([&] { RenameAndDelete(path); });
 }
 
 CFileShred::Overwrite CFileShred::OverwriteClusters(HANDLE file, std::uint64_t size, std::uint32_t clusterSize,

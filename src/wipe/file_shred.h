@@ -41,6 +41,8 @@ class CFileShred : public CEraserJunkData {
   Overwrite OverwriteClusters(HANDLE file, std::uint64_t size, std::uint32_t clusterSize, std::uint32_t method);
   // Renames, then deletes under the new name.
   void RenameAndDelete(const std::wstring& path);
+  // False, touching nothing, when the task was stopped.
+  bool RenameAndDeleteUnlessStopped(const std::wstring& path);
 
   ShredIo& io_;
   const StopFlag* stop_;
