@@ -9,23 +9,14 @@
 #include <vector>
 
 #include "common/com_init.h"
-#include "common/registry_key.h"
 #include "common/unique_handle.h"
 #include "task/task_totals.h"
-#include "support/fixtures.h"
 #include "common/known_folders.h"
+#include "support/fixtures.h"
+#include "support/registry_seed.h"
 #include "support/task_fixture.h"
 
 namespace scourel::test {
-
-inline std::wstring WindowsDir() { return ShellFolderPath(CSIDL_WINDOWS); }
-inline std::wstring PublicDesktopDir() {
-  const std::wstring profile = ShellFolderPath(CSIDL_PROFILE);
-  return profile.substr(0, profile.rfind(L'\\')) + L"\\Public\\Desktop";
-}
-inline std::wstring CommonStartMenuDir() {
-  return WindowsDir().substr(0, 3) + L"ProgramData\\Microsoft\\Windows\\Start Menu";
-}
 
 // Saves a shell link to `target` and checks that it reads back unchanged.
 inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& target) {
@@ -97,41 +88,25 @@ inline void ResetPcCounters() {
   g_totals.byteTotal.set(0.0f);
 }
 
-inline bool KeyPresent(const std::wstring& path) {
-  return static_cast<bool>(OpenRegKey(HKEY_CURRENT_USER, path, KEY_READ));
-}
-
-inline void SetValue(const std::wstring& path, const std::wstring& name, DWORD type, const void* data, DWORD bytes) {
-  ::RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), type, data, bytes);
-}
-
-inline void SetText(const std::wstring& path, const std::wstring& name, const std::wstring& text) {
-  SetValue(path, name, REG_SZ, text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-}
-
 // Creates the key afresh with the values, in this order.
 inline void PlantList(const std::wstring& path, const std::vector<std::pair<std::wstring, std::wstring>>& values) {
   ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
-  for (const auto& [name, text] : values) SetText(path, name, text);
-}
-
-inline void RemoveHistoryKeys() {
-  for (const std::wstring* path : {&kRunMruKey, &kStreamMruKey, &kTypedPathsKey, &kWordWheelKey}) {
-    ::RegDeleteTreeW(HKEY_CURRENT_USER, path->c_str());
+  for (const auto& [name, text] : values) {
+    ::RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), REG_SZ, text.c_str(),
+                      static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
   }
 }
 
-// A key of its own, a sibling of the history lists and a value of their
-// parent named like one: no clean may touch them.
+// Removes the history lists on both ends, and beside them plants a key of its
+// own, a sibling of the lists and a value of their parent named like one: no
+// clean may touch those.
 class RegistryCanary {
  public:
   RegistryCanary() {
-    for (const auto& [path, name] : places_) SetText(path, name, L"canary");
+    RemoveLists();
+    for (const auto& [path, name] : places_) planted_.Plant(HKEY_CURRENT_USER, path, name, L"canary");
   }
-  ~RegistryCanary() {
-    ::RegDeleteTreeW(HKEY_CURRENT_USER, places_[2].first.c_str());
-    ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kExplorerKey, L"RunMRU");
-  }
+  ~RegistryCanary() { RemoveLists(); }
   // Empty when everything is still there.
   std::wstring Damage() const {
     std::wstring damage;
@@ -147,10 +122,16 @@ class RegistryCanary {
   }
 
  private:
+  static void RemoveLists() {
+    for (const std::wstring* path : {&kRunMruKey, &kStreamMruKey, &kTypedPathsKey, &kWordWheelKey}) {
+      ::RegDeleteTreeW(HKEY_CURRENT_USER, path->c_str());
+    }
+  }
   ScratchKey scratch_{L"pctraces-canary"};
   const std::vector<std::pair<std::wstring, std::wstring>> places_{
       {scratch_.path(), L"keep"}, {scratch_.path() + L"\\sub", L"keep"}, {kRunMruKey + L"Keep", L"keep"},
       {kExplorerKey, L"RunMRU"}};
+  PlantedRegistry planted_;
 };
 
 }  // namespace scourel::test
