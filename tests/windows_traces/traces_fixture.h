@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "common/com_init.h"
-#include "common/unique_handle.h"
-#include "task/task_totals.h"
 #include "common/known_folders.h"
+#include "common/unique_handle.h"
 #include "support/fixtures.h"
 #include "support/registry_seed.h"
 #include "support/task_fixture.h"
+#include "task/task_totals.h"
 
 namespace scourel::test {
 
