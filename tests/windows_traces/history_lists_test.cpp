@@ -25,7 +25,6 @@ TEST(HistoryListsTest, ValuesCountInBothModesTheKeysGoWholeAndAgainCountsNothing
   const std::uint32_t order[] = {2, 1, 0, 0xFFFFFFFFu};
   ::RegSetKeyValueW(HKEY_CURRENT_USER, kWordWheelKey.c_str(), L"MRUListEx", REG_BINARY, order, sizeof order);
   auto& find = g_totals.pc(protocol::PcStep::kFindFiles);
-  const std::wstring* lists[] = {&kRunMruKey, &kStreamMruKey, &kTypedPathsKey, &kWordWheelKey};
   // {run history, find files} after both steps.
   const auto pass = [&](const TaskContext& context) {
     RunHistory(context);
@@ -35,10 +34,10 @@ TEST(HistoryListsTest, ValuesCountInBothModesTheKeysGoWholeAndAgainCountsNothing
 
   ResetPcCounters();
   EXPECT_EQ(pass(kMeasure), std::pair(30, 4));  // the order list counts with the words
-  for (const std::wstring* key : lists) EXPECT_TRUE(KeyPresent(HKEY_CURRENT_USER, *key)) << *key;
+  for (const std::wstring& key : kHistoryKeys) EXPECT_TRUE(KeyPresent(HKEY_CURRENT_USER, key)) << key;
   find.set(10);
   EXPECT_EQ(pass(kErase), std::pair(60, 4));  // run history added to, search words set
-  for (const std::wstring* key : lists) EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, *key)) << *key;
+  for (const std::wstring& key : kHistoryKeys) EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, key)) << key;
   pass(kMeasure);
   EXPECT_EQ(pass(kErase), std::pair(60, 0));
   EXPECT_EQ(canary.Damage(), L"");

@@ -2,7 +2,6 @@
 // lists and a registry canary that every clean must leave as it was.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -32,10 +31,6 @@ inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& tar
          SUCCEEDED(link->GetPath(back, 1024, nullptr, 2)) && target == back;
 }
 
-inline void EmptyBin() {
-  ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
-}
-
 // Writes `count` files of `size` bytes in `folder` and deletes them to the Recycle Bin.
 inline bool PlantRecycledFiles(const std::wstring& folder, int count, std::size_t size) {
   MakeDirs(folder);
@@ -53,9 +48,6 @@ inline bool PlantRecycledFiles(const std::wstring& folder, int count, std::size_
   return ::SHFileOperationW(&op) == 0 && !op.fAnyOperationsAborted;
 }
 
-// Under Wine every drive root's query reports the one shared bin.
-inline int DriveRootCount() { return std::popcount(static_cast<unsigned>(::GetLogicalDrives())); }
-
 // The items SHQueryRecycleBinW reports for C:.
 inline std::int64_t BinItems() {
   SHQUERYRBINFO info{sizeof info, 0, 0};
@@ -67,6 +59,7 @@ inline const std::wstring kRunMruKey = std::wstring(kExplorerKey) + L"\\RunMRU";
 inline const std::wstring kStreamMruKey = std::wstring(kExplorerKey) + L"\\StreamMRU";
 inline const std::wstring kTypedPathsKey = std::wstring(kExplorerKey) + L"\\TypedPaths";
 inline const std::wstring kWordWheelKey = std::wstring(kExplorerKey) + L"\\WordWheelQuery";
+inline const std::wstring kHistoryKeys[] = {kRunMruKey, kStreamMruKey, kTypedPathsKey, kWordWheelKey};
 
 inline void PlantFile(const std::wstring& path, const std::string& bytes) {
   MakeDirs(path.substr(0, path.rfind(L'\\')));
@@ -123,9 +116,7 @@ class RegistryCanary {
 
  private:
   static void RemoveLists() {
-    for (const std::wstring* path : {&kRunMruKey, &kStreamMruKey, &kTypedPathsKey, &kWordWheelKey}) {
-      ::RegDeleteTreeW(HKEY_CURRENT_USER, path->c_str());
-    }
+    for (const std::wstring& path : kHistoryKeys) ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
   }
   ScratchKey scratch_{L"pctraces-canary"};
   const std::vector<std::pair<std::wstring, std::wstring>> places_{
