@@ -50,7 +50,7 @@ TEST(BrowserCategoriesTest, ScanThenCleanCountWhatEachBrowserHolds) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     BrowserFixture fixture(c.scenario);
-    const std::wstring readOnly = PathOf(BrowserTraceRows()[0]);
+    const std::wstring readOnly = ReadOnlyTracePath();
     ASSERT_NE(::GetFileAttributesW(readOnly.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
 
     ResetBrowserTotals(g_totals);

@@ -24,38 +24,14 @@ std::wstring ExpectedText(const BrowserFixture& fixture, const Run& run) {
   return BrowserText(counts, bytes);
 }
 
-TEST(BrowserTaskTest, FullCleanRepliesWithEveryCategoryStopRepeatsItAndASecondCleanFindsNothing) {
-  // Windows 10 tells a program without a compatibility manifest that it runs on 6.2.
-  const WineVersionOf told(L"scourel.exe", L"win10");
-  BrowserFixture fixture;
-  WorkerHarness worker(L"browser-task");
-  ASSERT_TRUE(worker.Started());
-  worker.WriteSetting(L"IDS_WIPEALGORITHM", L"3");
-  for (const std::wstring_view key : protocol::kBrowserCategoryKeys) worker.WriteSetting(L"IDS_C" + std::wstring(key), L"TRUE");
-  worker.Send(2046);
-  const auto done = worker.WaitForCopyData(305);
-  ASSERT_TRUE(done);
-  EXPECT_EQ(done->text, ExpectedText(fixture, CleanEverything()));
-  EXPECT_EQ(fixture.Damage(CleanEverything()), L"");
-  // The finished first-set task still holds its slot: a stop reports the same totals.
-  worker.Send(2048);
-  const auto stopped = worker.WaitForCopyData(306);
-  ASSERT_TRUE(stopped);
-  EXPECT_EQ(stopped->text, done->text);
-  worker.Send(2046);
-  const auto again = worker.WaitForCopyData(305);
-  ASSERT_TRUE(again);
-  EXPECT_EQ(again->text, BrowserText({}, {}));
-}
-
-TEST(BrowserTaskTest, FullScanSeesTheExtraChromeProfileWhenToldWindows8) {
-  for (const std::wstring version : {L"win7", L"win8"}) {
+// Windows 10 tells a program without a compatibility manifest that it runs
+// on 6.2, where the version searches for the extra Chrome profile; 6.1 does not.
+TEST(BrowserTaskTest, ScanThenFullCleanRepliesWithEveryCategoryStopRepeatsItAndASecondCleanFindsNothing) {
+  for (const std::wstring version : {L"win7", L"win10"}) {
     SCOPED_TRACE(testing::PrintToString(version));
     const WineVersionOf told(L"scourel.exe", version);
-    BrowserScenario scenario;
-    scenario.extraProfile = version == L"win8";
-    BrowserFixture fixture(scenario);
-    WorkerHarness worker(L"browser-scan");
+    BrowserFixture fixture({.extraProfile = version == L"win10"});
+    WorkerHarness worker(L"browser-task");
     ASSERT_TRUE(worker.Started());
     worker.Send(2087);
     const auto scanned = worker.WaitForCopyData(105);
@@ -63,6 +39,25 @@ TEST(BrowserTaskTest, FullScanSeesTheExtraChromeProfileWhenToldWindows8) {
     EXPECT_EQ(scanned->text, ExpectedText(fixture, ScanRun()));
     ASSERT_TRUE(worker.WaitForCopyData(106));
     EXPECT_EQ(fixture.Damage(ScanRun()), L"");
+
+    worker.WriteSetting(L"IDS_WIPEALGORITHM", L"3");
+    for (const std::wstring_view key : protocol::kBrowserCategoryKeys) {
+      worker.WriteSetting(L"IDS_C" + std::wstring(key), L"TRUE");
+    }
+    worker.Send(2046);
+    const auto done = worker.WaitForCopyData(305);
+    ASSERT_TRUE(done);
+    EXPECT_EQ(done->text, ExpectedText(fixture, CleanEverything()));
+    EXPECT_EQ(fixture.Damage(CleanEverything()), L"");
+    // The finished first-set task still holds its slot: a stop reports the same totals.
+    worker.Send(2048);
+    const auto stopped = worker.WaitForCopyData(306);
+    ASSERT_TRUE(stopped);
+    EXPECT_EQ(stopped->text, done->text);
+    worker.Send(2046);
+    const auto again = worker.WaitForCopyData(305);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->text, BrowserText({}, {}));
   }
 }
 

@@ -188,6 +188,7 @@ const std::pair<Root, const wchar_t*> kOwned[] = {
 
 const wchar_t kGateDirectory[] = L"C:\\scourel-tests\\browser-cwd";
 const wchar_t kCanary[] = L"C:\\scourel-tests\\browser-canary";
+const std::wstring kAppDefaults = L"Software\\Wine\\AppDefaults\\";
 
 std::wstring Under(Root root, const std::wstring& path) {
   switch (root) {
@@ -200,26 +201,42 @@ std::wstring Under(Root root, const std::wstring& path) {
   return path;
 }
 
+std::wstring PathOf(const TraceRow& row) { return Under(row.root, row.path); }
+
+bool Plants(const BrowserScenario& scenario, const TraceRow& row) {
+  switch (row.group) {
+    case kOldOpera: return scenario.operaOld;
+    case kNewOpera:
+    case kNewOperaAny: return scenario.operaNew;
+    case kProfiles: return scenario.profiles;
+    case kSafariRoaming: return scenario.safari;
+    default: return true;
+  }
+}
+
 bool IsFolderRow(const TraceRow& row) { return row.path.ends_with(L'\\'); }
 
 std::string BytesOf(const TraceRow& row) {
   return std::string(row.size, static_cast<char>('a' + (&row - Rows().data()) % 26));
 }
 
+bool Covers(const Run& run, BrowserCategory category) {
+  return run.only ? category == *run.only : run.mode == Mode::kErase || category != kProgramFiles;
+}
+
 // How many times the run counts the row in `column`. A clean takes it in
 // the first category that reaches it; a scan counts it in every one.
 int Times(const TraceRow& row, BrowserCategory column, const Run& run) {
-  const auto in = [&](BrowserCategory c) { return run.categories[static_cast<int>(c)]; };
-  const int first = in(*row.category) && row.column.value_or(*row.category) == column
+  const bool reached = Covers(run, *row.category);
+  const int first = reached && row.column.value_or(*row.category) == column
                         ? (run.mode == Mode::kMeasure ? row.scanCount : 1)
                         : 0;
-  if (run.mode == Mode::kErase && in(*row.category)) return first;
-  return first + (row.alsoScanned == column && in(column) ? 1 : 0);
+  if (run.mode == Mode::kErase && reached) return first;
+  return first + (row.alsoScanned == column && Covers(run, column) ? 1 : 0);
 }
 
 bool ReachedBy(const TraceRow& row, const Run& run) {
-  return run.categories[static_cast<int>(*row.category)] ||
-         (row.alsoScanned && run.categories[static_cast<int>(*row.alsoScanned)]);
+  return Covers(run, *row.category) || (row.alsoScanned && Covers(run, *row.alsoScanned));
 }
 
 DWORD ValueCount(const std::wstring& key) {
@@ -256,39 +273,7 @@ std::wstring TopOf(const TraceRow& row) { return Under(row.root, row.path.substr
 
 }  // namespace
 
-std::span<const TraceRow> BrowserTraceRows() { return Rows(); }
-
-std::wstring PathOf(const TraceRow& row) { return Under(row.root, row.path); }
-
-Run ScanRun() {
-  Run run{Mode::kMeasure};
-  run.categories.fill(true);
-  run.categories[static_cast<int>(kProgramFiles)] = false;
-  return run;
-}
-
-Run CleanRun(BrowserCategory category) {
-  Run run{Mode::kErase};
-  run.categories[static_cast<int>(category)] = true;
-  return run;
-}
-
-Run CleanEverything() {
-  Run run{Mode::kErase};
-  run.categories.fill(true);
-  return run;
-}
-
-bool Plants(const BrowserScenario& scenario, const TraceRow& row) {
-  switch (row.group) {
-    case kOldOpera: return scenario.operaOld;
-    case kNewOpera:
-    case kNewOperaAny: return scenario.operaNew;
-    case kProfiles: return scenario.profiles;
-    case kSafariRoaming: return scenario.safari;
-    default: return true;
-  }
-}
+std::wstring ReadOnlyTracePath() { return PathOf(Rows()[0]); }
 
 void PlantBrowserTraces(const BrowserScenario& scenario) {
   for (const TraceRow& row : Rows()) {
@@ -376,10 +361,10 @@ bool BrowserFixture::Takes(const TraceRow& row) const {
   }
 }
 
-Expected BrowserFixture::Of(protocol::Browser browser, BrowserCategory category, const Run& run) const {
+Expected BrowserFixture::Of(std::optional<protocol::Browser> browser, BrowserCategory category, const Run& run) const {
   Expected sum;
   for (const TraceRow& row : Rows()) {
-    if (row.browser != browser || IsFolderRow(row) || !Takes(row)) continue;
+    if ((browser && row.browser != *browser) || IsFolderRow(row) || !Takes(row)) continue;
     const int times = Times(row, category, run);
     // A key counts its values and no bytes.
     sum.count += times * static_cast<int>(row.root == kKey ? row.size : 1);
@@ -388,15 +373,7 @@ Expected BrowserFixture::Of(protocol::Browser browser, BrowserCategory category,
   return sum;
 }
 
-Expected BrowserFixture::Total(BrowserCategory category, const Run& run) const {
-  Expected total;
-  for (int b = 0; b < protocol::kBrowserCount; ++b) {
-    const Expected cell = Of(static_cast<protocol::Browser>(b), category, run);
-    total.count += cell.count;
-    total.bytes += cell.bytes;
-  }
-  return total;
-}
+Expected BrowserFixture::Total(BrowserCategory category, const Run& run) const { return Of({}, category, run); }
 
 std::wstring BrowserFixture::Damage(const Run& run) const {
   for (const TraceRow& row : Rows()) {
@@ -409,11 +386,9 @@ std::wstring BrowserFixture::Damage(const Run& run) const {
 }
 
 WineVersionOf::WineVersionOf(const std::wstring& program, const std::wstring& version)
-    : key_(L"Software\\Wine\\AppDefaults\\" + program) {
+    : Cleanup([key = kAppDefaults + program] { ::RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str()); }) {
   const auto bytes = static_cast<DWORD>((version.size() + 1) * sizeof(wchar_t));
-  ::RegSetKeyValueW(HKEY_CURRENT_USER, key_.c_str(), L"Version", REG_SZ, version.c_str(), bytes);
+  ::RegSetKeyValueW(HKEY_CURRENT_USER, (kAppDefaults + program).c_str(), L"Version", REG_SZ, version.c_str(), bytes);
 }
-
-WineVersionOf::~WineVersionOf() { ::RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str()); }
 
 }  // namespace scourel::test

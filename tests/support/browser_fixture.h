@@ -5,11 +5,9 @@
 // the demo's planting program; a further place is a further row.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <ostream>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -56,8 +54,8 @@ struct TraceRow {
   std::optional<protocol::BrowserCategory> column = std::nullopt;  // where it is counted, when not its category
 };
 
-// The first row is planted read-only.
-std::span<const TraceRow> BrowserTraceRows();
+// The first row, planted read-only.
+std::wstring ReadOnlyTracePath();
 
 struct BrowserScenario {
   bool operaOld = true;
@@ -70,14 +68,15 @@ struct BrowserScenario {
   const wchar_t* profilePath = L"Profiles/abcd.default";  // "Path" of [Profile0]
 };
 
-// The categories a run goes through, in the order of the switches.
+// The categories a run goes through: one, or all of them but downloaded
+// program files for a scan and all of them for a clean.
 struct Run {
   Mode mode;
-  std::array<bool, protocol::kBrowserCategoryCount> categories{};
+  std::optional<protocol::BrowserCategory> only = std::nullopt;
 };
-Run ScanRun();  // what the full scan measures
-Run CleanRun(protocol::BrowserCategory category);
-Run CleanEverything();
+inline Run ScanRun() { return {Mode::kMeasure}; }
+inline Run CleanRun(protocol::BrowserCategory category) { return {Mode::kErase, category}; }
+inline Run CleanEverything() { return {Mode::kErase}; }
 
 struct Expected {
   std::int32_t count = 0;
@@ -88,12 +87,10 @@ struct Expected {
   }
 };
 
-bool Plants(const BrowserScenario& scenario, const TraceRow& row);
 // The rows (but those at the root of C:) and profiles.ini, left in place.
 void PlantBrowserTraces(const BrowserScenario& scenario);
 // Removes every folder and key the rows plant in, whatever left it there.
 void RemoveBrowserRoots();
-std::wstring PathOf(const TraceRow& row);
 
 // The rows at the root of C:, where the extra-profile steps land when no
 // "Profile" folder exists. Every test program plants them for its whole run
@@ -114,8 +111,8 @@ class BrowserFixture {
 
   // Whether the scenario lets the row's category take it.
   bool Takes(const TraceRow& row) const;
-  // What a run counts in one browser's cell of one category.
-  Expected Of(protocol::Browser browser, protocol::BrowserCategory category, const Run& run) const;
+  // What a run counts in one browser's cell of one category (none: in all five).
+  Expected Of(std::optional<protocol::Browser> browser, protocol::BrowserCategory category, const Run& run) const;
   // The category's total over the five browsers, as the replies carry it.
   Expected Total(protocol::BrowserCategory category, const Run& run) const;
   // Empty when every row is as it should be after the run and the canary is
@@ -131,15 +128,8 @@ class BrowserFixture {
 };
 
 // Wine's Windows version for one program, removed again.
-class WineVersionOf {
- public:
+struct WineVersionOf : Cleanup {
   WineVersionOf(const std::wstring& program, const std::wstring& version);
-  ~WineVersionOf();
-  WineVersionOf(const WineVersionOf&) = delete;
-  WineVersionOf& operator=(const WineVersionOf&) = delete;
-
- private:
-  std::wstring key_;
 };
 
 }  // namespace scourel::test

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "common/registry_key.h"
 #include "windows_traces/history_list.h"
 #include "windows_traces/pc_traces.h"
 #include "windows_traces/traces_fixture.h"
@@ -12,20 +13,18 @@ namespace scourel::test {
 namespace {
 
 TEST(HistoryListsTest, ValuesCountInBothModesTheKeysGoWholeAndAgainCountsNothing) {
-  RegistryCanary canary;
-  const Cleanup keys(RemoveHistoryKeys);
+  const RegistryCanary canary;
   std::vector<std::pair<std::wstring, std::wstring>> alphabet;
   for (wchar_t c = L'a'; c <= L'z'; ++c) alphabet.push_back({std::wstring(1, c), L"notepad " + std::wstring(1, c)});
   PlantList(kRunMruKey, alphabet);
   PlantList(kStreamMruKey, {{L"0", L"x"}, {L"1", L"y"}, {L"2", L"z"}});
   PlantList(kTypedPathsKey, {{L"url1", L"C:\\Users"}});
-  SetText(kTypedPathsKey + L"\\nested", L"v", L"w");  // a subkey is not counted
+  PlantList(kTypedPathsKey + L"\\nested", {{L"v", L"w"}});  // a subkey is not counted
   // Three words and their order list, whose data is binary.
   PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"1", L"holiday"}, {L"2", L"salary"}});
   const std::uint32_t order[] = {2, 1, 0, 0xFFFFFFFFu};
-  SetValue(kWordWheelKey, L"MRUListEx", REG_BINARY, order, sizeof order);
+  ::RegSetKeyValueW(HKEY_CURRENT_USER, kWordWheelKey.c_str(), L"MRUListEx", REG_BINARY, order, sizeof order);
   auto& find = g_totals.pc(protocol::PcStep::kFindFiles);
-  const std::wstring* lists[] = {&kRunMruKey, &kStreamMruKey, &kTypedPathsKey, &kWordWheelKey};
   // {run history, find files} after both steps.
   const auto pass = [&](const TaskContext& context) {
     RunHistory(context);
@@ -35,10 +34,10 @@ TEST(HistoryListsTest, ValuesCountInBothModesTheKeysGoWholeAndAgainCountsNothing
 
   ResetPcCounters();
   EXPECT_EQ(pass(kMeasure), std::pair(30, 4));  // the order list counts with the words
-  for (const std::wstring* key : lists) EXPECT_TRUE(KeyPresent(*key)) << *key;
+  for (const std::wstring& key : kHistoryKeys) EXPECT_TRUE(KeyPresent(HKEY_CURRENT_USER, key)) << key;
   find.set(10);
   EXPECT_EQ(pass(kErase), std::pair(60, 4));  // run history added to, search words set
-  for (const std::wstring* key : lists) EXPECT_FALSE(KeyPresent(*key)) << *key;
+  for (const std::wstring& key : kHistoryKeys) EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, key)) << key;
   pass(kMeasure);
   EXPECT_EQ(pass(kErase), std::pair(60, 0));
   EXPECT_EQ(canary.Damage(), L"");
@@ -73,13 +72,13 @@ TEST(HistoryListsTest, TheSharedLengthShrinksAfterAShortEntry) {
   Relaxed<std::int32_t> counter(7);
   EXPECT_EQ(EraseHistoryKey(kErase, HKEY_CURRENT_USER, list, buffers, counter, CountMode::kAdd), 1);
   EXPECT_EQ(counter.get(), 10);
-  EXPECT_FALSE(KeyPresent(list));
+  EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, list));
   // Data past 1024 bytes is never read but still counted and erased.
   PlantList(list, {{L"long", std::wstring(1500, L'q')}, {L"a", L"b"}});
   EXPECT_EQ(CountHistoryValues(kMeasure, HKEY_CURRENT_USER, list, buffers, false, counter), 2);
   EXPECT_EQ(EraseHistoryKey(kErase, HKEY_CURRENT_USER, list, buffers, counter, CountMode::kSet), 0);
   EXPECT_EQ(counter.get(), 2);
-  EXPECT_FALSE(KeyPresent(list));
+  EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, list));
 }
 
 }  // namespace

@@ -9,18 +9,9 @@
 namespace scourel::test {
 namespace {
 
-class PcTracesTaskTest : public ::testing::Test {
- protected:
-  void SetUp() override { RemoveHistoryKeys(); }
-  void TearDown() override {
-    EXPECT_EQ(canary_.Damage(), L"");
-    RemoveHistoryKeys();
-  }
-  RegistryCanary canary_;
-};
-
 // The clipboard is emptied whatever the switches say.
-TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
+TEST(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
+  const RegistryCanary canary;
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"b", L"notepad\\1"}, {L"MRUList", L"ba"}});
   PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
   ASSERT_TRUE(::OpenClipboard(nullptr) && ::EmptyClipboard());
@@ -47,12 +38,14 @@ TEST_F(PcTracesTaskTest, FirstSetPostsSixStepsThenSendsTheSevenCounters) {
   EXPECT_EQ(step, 6u);
   EXPECT_EQ(done->text, L"0\\pc 3\\pc 2\\pc 0\\pc 0\\pc 0\\pc 0");
   EXPECT_EQ(done->cbData, 522u);
-  EXPECT_FALSE(KeyPresent(kRunMruKey));
-  EXPECT_FALSE(KeyPresent(kWordWheelKey));
+  EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, kRunMruKey));
+  EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, kWordWheelKey));
   EXPECT_FALSE(::IsClipboardFormatAvailable(CF_UNICODETEXT));
+  EXPECT_EQ(canary.Damage(), L"");
 }
 
-TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore) {
+TEST(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore) {
+  const RegistryCanary canary;
   const std::wstring recent = ShellFolderPath(CSIDL_RECENT);
   ASSERT_FALSE(recent.empty());
   constexpr int kShortcuts = 1500;
@@ -91,7 +84,8 @@ TEST_F(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore)
   EXPECT_FALSE(worker.WaitForCopyData(303, 1000));
   EXPECT_GT(leftAtStop, 0);
   EXPECT_EQ(left(), leftAtStop);
-  EXPECT_TRUE(KeyPresent(kRunMruKey));  // the run-history step never came
+  EXPECT_TRUE(KeyPresent(HKEY_CURRENT_USER, kRunMruKey));  // the run-history step never came
+  EXPECT_EQ(canary.Damage(), L"");
 }
 
 }  // namespace

@@ -3,8 +3,11 @@
 // records, then the junk-file, shortcut and Recycle Bin tasks.
 #include <gtest/gtest.h>
 
+#include <bit>
+
 #include "protocol/reply_text.h"
 #include "protocol/size_text.h"
+#include "support/browser_fixture.h"
 #include "support/worker_harness.h"
 #include "windows_traces/junk_files.h"
 #include "windows_traces/traces_fixture.h"
@@ -15,35 +18,28 @@ namespace {
 // Junk in the real places the task walks, with links from the temp and
 // report folders to a canary that must survive.
 struct PlantedJunk {
-  explicit PlantedJunk(const std::wstring& tag) {
-    const std::wstring windows = WindowsDir();
-    const std::wstring sharedWer = windows.substr(0, 3) + L"ProgramData\\Microsoft\\Windows\\WER\\" + tag;
-    const std::wstring userWer = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Windows\\WER\\" + tag;
-    wchar_t temp[MAX_PATH + 2] = {};
-    ::GetTempPathW(MAX_PATH + 2, temp);
-    tempSub = temp + tag;
+  PlantedJunk() {
     MakeDirs(tempSub + L"\\nested\\deeper");
-    // Two temporary files (first counter); a dump, two logs, two reports (second).
-    erased = {{tempSub + L"\\readonly.tmp", 1000}, {windows + L"\\temp\\" + tag + L".tmp", 300},
-              {windows + L"\\Logs\\CBS\\" + tag + L"\\CBS.log", 250}, {windows + L"\\" + tag + L".LOG", 60},
-              {sharedWer + L"\\ReportQueue\\Report.wer", 100}, {userWer + L"\\Report.wer", 50}};
     PlantSized(erased, 'j');
     MakeReadOnly(erased[0].first);
-    dump = windows + L"\\Minidump\\" + tag + L".dmp";
     PlantFile(dump, std::string(700, 'd'));
-    cleanup = {tempSub, erased[1].first, dump, windows + L"\\Logs\\CBS\\" + tag, erased[3].first, sharedWer, userWer};
     for (const std::wstring& link : {tempSub + L"\\link-to-canary", sharedWer + L"\\link-to-canary"}) {
       ok = MakeUnixSymlink(canary.root(), link) && ok;
     }
   }
-  ~PlantedJunk() {
-    for (const std::wstring& path : cleanup) RemoveTree(path);
-  }
+  const std::wstring tag = L"junk-e2e", windows = ShellFolderPath(CSIDL_WINDOWS);
+  const std::wstring sharedWer = ShellFolderPath(CSIDL_COMMON_APPDATA) + L"\\Microsoft\\Windows\\WER\\" + tag;
+  const std::wstring userWer = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\Microsoft\\Windows\\WER\\" + tag;
+  const std::wstring tempSub = TempFolder() + tag, dump = windows + L"\\Minidump\\" + tag + L".dmp";
+  // Two temporary files (first counter); a dump, two logs, two reports (second).
+  const SizedFiles erased = {
+      {tempSub + L"\\readonly.tmp", 1000}, {windows + L"\\temp\\" + tag + L".tmp", 300},
+      {windows + L"\\Logs\\CBS\\" + tag + L"\\CBS.log", 250}, {windows + L"\\" + tag + L".LOG", 60},
+      {sharedWer + L"\\ReportQueue\\Report.wer", 100}, {userWer + L"\\Report.wer", 50}};
   ScratchDir canaryDir{L"junk-e2e-canary"};
   CanaryTree canary{canaryDir.path()};
-  std::wstring tempSub, dump;
-  SizedFiles erased;
-  std::vector<std::wstring> cleanup;
+  const Cleanup removed = RemovedAtEnd(
+      {tempSub, erased[1].first, dump, windows + L"\\Logs\\CBS\\" + tag, erased[3].first, sharedWer, userWer});
   bool ok = true;
   const float bytes = 1000 + 300 + 700 + 250 + 60 + 100 + 50;
 };
@@ -57,7 +53,7 @@ struct PlantedShortcuts {
     MakeDirs(targets / L"folder");
     for (const wchar_t* name : {L"alive.txt", L"gone.txt", L"gone2.txt"}) WriteFileBytes(targets / name, "x");
     WriteFileBytes(system32, "probe");
-    for (const std::wstring& folder : {profile, menu, accessories, PublicDesktopDir()}) MakeDirs(folder);
+    for (const std::wstring& folder : {profile, menu, accessories}) MakeDirs(folder);
     for (const std::wstring& link : dead) ok = CreateShortcut(link, targets / L"gone.txt") && ok;
     for (const auto& [link, target] : kept) ok = CreateShortcut(link, target) && ok;
     ok = CreateShortcut(canaryLink, targets / L"gone2.txt") && MakeUnixSymlink(canary, profile + L"\\linked") && ok;
@@ -65,15 +61,14 @@ struct PlantedShortcuts {
     for (const wchar_t* name : {L"gone.txt", L"gone2.txt"}) ::DeleteFileW((targets / name).c_str());
     deadSize = ReadFileBytes(dead[0]).size() + ReadFileBytes(dead[1]).size();
   }
-  ~PlantedShortcuts() {
-    for (const std::wstring& path : {profile, menu, accessories, dead[0], system32}) RemoveTree(path);
-  }
   ScratchDir targets{L"junk-e2e-targets"};
   const std::wstring profile = ShellFolderPath(CSIDL_PROFILE) + L"\\scourel-e2e";
-  const std::wstring menu = CommonStartMenuDir() + L"\\Programs\\scourel-e2e";
-  const std::wstring accessories = CommonStartMenuDir() + L"\\Programs\\Accessories\\scourel-e2e";
-  const std::wstring system32 = WindowsDir().substr(0, 3) + L"Windows\\system32\\scourel-e2e-probe.txt";
-  const std::wstring dead[2] = {PublicDesktopDir() + L"\\scourel-e2e-dead.lnk", menu + L"\\dead.lnk"};
+  const std::wstring menu = ShellFolderPath(CSIDL_COMMON_PROGRAMS) + L"\\scourel-e2e";
+  const std::wstring accessories = ShellFolderPath(CSIDL_COMMON_PROGRAMS) + L"\\Accessories\\scourel-e2e";
+  const std::wstring system32 =
+      ShellFolderPath(CSIDL_WINDOWS).substr(0, 3) + L"Windows\\system32\\scourel-e2e-probe.txt";
+  const std::wstring dead[2] = {ShellFolderPath(CSIDL_COMMON_DESKTOPDIRECTORY) + L"\\scourel-e2e-dead.lnk",
+                                menu + L"\\dead.lnk"};
   const std::pair<std::wstring, std::wstring> kept[4] = {
       {profile + L"\\live.lnk", targets / L"alive.txt"}, {profile + L"\\folder.LNK", targets / L"folder"},
       {accessories + L"\\dead.lnk", targets / L"gone.txt"}, {profile + L"\\system32.lnk", system32}};
@@ -81,6 +76,7 @@ struct PlantedShortcuts {
   std::string canaryBytes;
   std::uint64_t deadSize = 0;
   bool ok = true;
+  const Cleanup removed = RemovedAtEnd({profile, menu, accessories, dead[0], system32});
 };
 
 // The worker runs as Windows 6.2, as Windows 8.1 and later tell a program
@@ -88,10 +84,7 @@ struct PlantedShortcuts {
 // look in "Windows\Sysnative", which a 64-bit program does not see: a
 // shortcut into the real System32 is alive and stays.
 TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
-  const std::wstring appKey = L"Software\\Wine\\AppDefaults\\scourel.exe";
-  const Cleanup version([&] { ::RegDeleteTreeW(HKEY_CURRENT_USER, appKey.c_str()); });
-  SetText(appKey, L"Version", L"win8");
-  ASSERT_TRUE(KeyPresent(appKey));
+  const WineVersionOf told(L"scourel.exe", L"win8");
   WorkerHarness worker(L"junk-e2e");
   ASSERT_TRUE(worker.Started());
   // First clean away what the sandbox holds of its own.
@@ -99,7 +92,7 @@ TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   ASSERT_TRUE(worker.WaitFor(2035));
   worker.Send(2040);
   ASSERT_TRUE(worker.WaitFor(2041));
-  EmptyBin();
+  ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
   // What stays counted after a clean (crash dumps, for one).
   ResetForJunkFileScan(g_totals);
   JunkFiles(kMeasure);
@@ -107,14 +100,15 @@ TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   const float baseBytes = g_totals.byteTotal.get();
   ResetForJunkFileScan(g_totals);
 
-  PlantedJunk junk(L"junk-e2e");
+  PlantedJunk junk;
   PlantedShortcuts shortcuts(junk.canary.root());
   ASSERT_TRUE(junk.ok && shortcuts.ok);
   ASSERT_TRUE(PlantRecycledFiles(shortcuts.targets / L"bin", 3, 1000));
-  const int roots = DriveRootCount();
+  // Under Wine every drive root's query reports the one shared bin.
+  const int roots = std::popcount(static_cast<unsigned>(::GetLogicalDrives()));
   // One entry in each history list, a shortcut in Recent, a file in each
   // credentials folder; on the drive root only a "FOUND.nnn" folder counts.
-  const Cleanup lists(RemoveHistoryKeys);
+  const RegistryCanary canary;
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"MRUList", L"a"}});
   PlantList(kWordWheelKey, {{L"0", L"invoice"}, {L"MRUListEx", L"x"}});
   const SizedFiles traces = {{ShellFolderPath(CSIDL_RECENT) + L"\\pctraces-scan.lnk", 1024},
@@ -141,7 +135,7 @@ TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   for (const auto& [path, size] : junk.erased) EXPECT_TRUE(PathExists(path)) << path;
   for (const auto& [path, size] : traces) EXPECT_TRUE(PathExists(path)) << path;
   for (const std::wstring& link : shortcuts.dead) EXPECT_TRUE(PathExists(link)) << link;
-  EXPECT_TRUE(KeyPresent(kRunMruKey));
+  EXPECT_TRUE(KeyPresent(HKEY_CURRENT_USER, kRunMruKey));
   EXPECT_EQ(BinItems(), 3);
 
   // The clean then reports the same numbers.
@@ -174,6 +168,7 @@ TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
             ReplyBytes(static_cast<float>(shortcuts.deadSize) + 3000.0f * static_cast<float>(roots)));
   EXPECT_EQ(BinItems(), 0);
   EXPECT_EQ(junk.canary.Damage(), L"");
+  EXPECT_EQ(canary.Damage(), L"");
 }
 
 }  // namespace

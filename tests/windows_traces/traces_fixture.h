@@ -2,30 +2,20 @@
 // lists and a registry canary that every clean must leave as it was.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "common/com_init.h"
-#include "common/registry_key.h"
-#include "common/unique_handle.h"
-#include "task/task_totals.h"
-#include "support/fixtures.h"
 #include "common/known_folders.h"
+#include "common/unique_handle.h"
+#include "support/fixtures.h"
+#include "support/registry_seed.h"
 #include "support/task_fixture.h"
+#include "task/task_totals.h"
 
 namespace scourel::test {
-
-inline std::wstring WindowsDir() { return ShellFolderPath(CSIDL_WINDOWS); }
-inline std::wstring PublicDesktopDir() {
-  const std::wstring profile = ShellFolderPath(CSIDL_PROFILE);
-  return profile.substr(0, profile.rfind(L'\\')) + L"\\Public\\Desktop";
-}
-inline std::wstring CommonStartMenuDir() {
-  return WindowsDir().substr(0, 3) + L"ProgramData\\Microsoft\\Windows\\Start Menu";
-}
 
 // Saves a shell link to `target` and checks that it reads back unchanged.
 inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& target) {
@@ -39,10 +29,6 @@ inline bool CreateShortcut(const std::wstring& linkPath, const std::wstring& tar
          SUCCEEDED(link->QueryInterface(IID_IPersistFile, file.put_void())) &&
          SUCCEEDED(file->Save(linkPath.c_str(), TRUE)) && SUCCEEDED(file->Load(linkPath.c_str(), STGM_READ)) &&
          SUCCEEDED(link->GetPath(back, 1024, nullptr, 2)) && target == back;
-}
-
-inline void EmptyBin() {
-  ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
 }
 
 // Writes `count` files of `size` bytes in `folder` and deletes them to the Recycle Bin.
@@ -62,9 +48,6 @@ inline bool PlantRecycledFiles(const std::wstring& folder, int count, std::size_
   return ::SHFileOperationW(&op) == 0 && !op.fAnyOperationsAborted;
 }
 
-// Under Wine every drive root's query reports the one shared bin.
-inline int DriveRootCount() { return std::popcount(static_cast<unsigned>(::GetLogicalDrives())); }
-
 // The items SHQueryRecycleBinW reports for C:.
 inline std::int64_t BinItems() {
   SHQUERYRBINFO info{sizeof info, 0, 0};
@@ -76,6 +59,7 @@ inline const std::wstring kRunMruKey = std::wstring(kExplorerKey) + L"\\RunMRU";
 inline const std::wstring kStreamMruKey = std::wstring(kExplorerKey) + L"\\StreamMRU";
 inline const std::wstring kTypedPathsKey = std::wstring(kExplorerKey) + L"\\TypedPaths";
 inline const std::wstring kWordWheelKey = std::wstring(kExplorerKey) + L"\\WordWheelQuery";
+inline const std::wstring kHistoryKeys[] = {kRunMruKey, kStreamMruKey, kTypedPathsKey, kWordWheelKey};
 
 inline void PlantFile(const std::wstring& path, const std::string& bytes) {
   MakeDirs(path.substr(0, path.rfind(L'\\')));
@@ -97,41 +81,25 @@ inline void ResetPcCounters() {
   g_totals.byteTotal.set(0.0f);
 }
 
-inline bool KeyPresent(const std::wstring& path) {
-  return static_cast<bool>(OpenRegKey(HKEY_CURRENT_USER, path, KEY_READ));
-}
-
-inline void SetValue(const std::wstring& path, const std::wstring& name, DWORD type, const void* data, DWORD bytes) {
-  ::RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), type, data, bytes);
-}
-
-inline void SetText(const std::wstring& path, const std::wstring& name, const std::wstring& text) {
-  SetValue(path, name, REG_SZ, text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-}
-
 // Creates the key afresh with the values, in this order.
 inline void PlantList(const std::wstring& path, const std::vector<std::pair<std::wstring, std::wstring>>& values) {
   ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
-  for (const auto& [name, text] : values) SetText(path, name, text);
-}
-
-inline void RemoveHistoryKeys() {
-  for (const std::wstring* path : {&kRunMruKey, &kStreamMruKey, &kTypedPathsKey, &kWordWheelKey}) {
-    ::RegDeleteTreeW(HKEY_CURRENT_USER, path->c_str());
+  for (const auto& [name, text] : values) {
+    ::RegSetKeyValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(), REG_SZ, text.c_str(),
+                      static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
   }
 }
 
-// A key of its own, a sibling of the history lists and a value of their
-// parent named like one: no clean may touch them.
+// Removes the history lists on both ends, and beside them plants a key of its
+// own, a sibling of the lists and a value of their parent named like one: no
+// clean may touch those.
 class RegistryCanary {
  public:
   RegistryCanary() {
-    for (const auto& [path, name] : places_) SetText(path, name, L"canary");
+    RemoveLists();
+    for (const auto& [path, name] : places_) planted_.Plant(HKEY_CURRENT_USER, path, name, L"canary");
   }
-  ~RegistryCanary() {
-    ::RegDeleteTreeW(HKEY_CURRENT_USER, places_[2].first.c_str());
-    ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kExplorerKey, L"RunMRU");
-  }
+  ~RegistryCanary() { RemoveLists(); }
   // Empty when everything is still there.
   std::wstring Damage() const {
     std::wstring damage;
@@ -147,10 +115,14 @@ class RegistryCanary {
   }
 
  private:
+  static void RemoveLists() {
+    for (const std::wstring& path : kHistoryKeys) ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
+  }
   ScratchKey scratch_{L"pctraces-canary"};
   const std::vector<std::pair<std::wstring, std::wstring>> places_{
       {scratch_.path(), L"keep"}, {scratch_.path() + L"\\sub", L"keep"}, {kRunMruKey + L"Keep", L"keep"},
       {kExplorerKey, L"RunMRU"}};
+  PlantedRegistry planted_;
 };
 
 }  // namespace scourel::test
