@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -29,6 +31,7 @@ struct RecordingIo : ShredIo {
   int stopAfterWrite = 0;  // 1-based write after which the task is stopped
   bool failIdentity = false;
   int link = 0;  // 1: the path shows a reparse point; 2: only the opened handle does (swapped in meanwhile)
+  std::function<void()> onRename;
   StopFlag stop;
   std::string trace;
   std::vector<Bytes> writes;
@@ -89,6 +92,7 @@ struct RecordingIo : ShredIo {
   }
   std::error_code Rename(const std::wstring& from, const std::wstring& to) override {
     Log('R');
+    if (onRename) onRename();
     return ShredIo::Rename(from, to);
   }
   std::error_code Delete(const std::wstring& path) override {
@@ -215,6 +219,26 @@ TEST(Shred, TraceTable) {
       EXPECT_FALSE(test::PathExists(ObscuredPath(path)));
     }
   }
+}
+
+// A stop that comes while the file is renamed and deleted is answered after
+// both: its reply never precedes the file's going.
+TEST(Shred, AStopDuringTheRenameWaitsForTheDelete) {
+  test::ScratchDir dir(L"shred_stop_rename");
+  test::WriteFileBytes(dir / L"a.txt", "Z");
+  RecordingIo io;
+  std::thread stopper;
+  io.onRename = [&] {
+    stopper = std::thread([&] {
+      io.stop.Raise();
+      io.Log('X');
+    });
+    ::Sleep(100);  // time enough for the stop, were nothing holding it back
+  };
+  EXPECT_EQ(CFileShred(io, &io.stop).Shred(dir / L"a.txt", 0), ShredOutcome::kOverwrittenAndDeleted);
+  stopper.join();
+  EXPECT_EQ(io.trace, "A O S0 W0 F C R D X");
+  EXPECT_FALSE(test::PathExists(dir / L"a.txt") || test::PathExists(dir / L"x.txt"));
 }
 
 TEST(Shred, ProgressMessagesOnlyInWipeProgressMode) {
