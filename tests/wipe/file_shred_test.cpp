@@ -162,7 +162,7 @@ constexpr DWORD kRO = FILE_ATTRIBUTE_READONLY, kHidden = FILE_ATTRIBUTE_HIDDEN, 
 const char kOneWrite[] = "A O S0 W0 F C R D";
 
 // Size, attributes, method, geometry, a failing write or identity, a stop
-// after a write -> the exact trace and outcome.
+// after a write, a link -> the exact trace and outcome.
 struct TraceCase { std::size_t size; DWORD attributes; std::uint32_t method; DWORD spc, bps; int failWrite;
                    const char* trace; std::int64_t sizeAtDelete;
                    ShredOutcome outcome = ShredOutcome::kOverwrittenAndDeleted;
