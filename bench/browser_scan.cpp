@@ -95,7 +95,7 @@ struct Timings {
 Timings Measure(const std::wstring& root, int rounds) {
   Timings best;
   TaskTotals totals;
-  const TaskContext context{totals, SystemShredIo(), nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
+  const TaskContext context{totals, SystemCleanerIo(), nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
   for (int round = 0; round < rounds; ++round) {
     int files = 0;
     auto start = Clock::now();

@@ -142,7 +142,7 @@ struct BareWalk {
 };
 
 void ReportPass(const char* label) {
-  const TaskContext context{g_totals, SystemShredIo(), nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
+  const TaskContext context{g_totals, SystemCleanerIo(), nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
   // Scan and walk take turns, so that a change in the machine's load falls on both.
   constexpr int kRounds = 5;
   std::vector<double> scans, walks;

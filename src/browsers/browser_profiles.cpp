@@ -53,7 +53,7 @@ std::wstring FindExtraChromeProfile(const TaskContext& context) {
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = userData + entry.cFileName;
     if (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {
-      ::SetFileAttributesW(path.c_str(), entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
+      (void)context.io.SetAttributes(path, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
     }
     if (chosen.empty() && IsFolder(entry) && std::wstring_view(entry.cFileName).starts_with(L"Profile")) {
       chosen = path;

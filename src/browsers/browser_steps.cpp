@@ -28,7 +28,7 @@ void TakeKeyValues(const TaskContext& context, const std::wstring& path, Tally t
     const auto values = static_cast<std::int32_t>(CountsOf(opened.get()).values);
     context.Record([&] { tally.count.add(values); });
   }
-  if (context.erasing()) ::SHDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
+  if (context.erasing()) (void)context.io.DeleteKeyTree(HKEY_CURRENT_USER, path);
 }
 
 // One run of one category: the conditions, the profile name and Chrome's

@@ -69,7 +69,7 @@ void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) 
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = folder + entry.cFileName;
     if (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {
-      ::SetFileAttributesW(path.c_str(), entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
+      (void)context_.io.SetAttributes(path, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
     }
     if (IsFolder(entry)) {
       if (shape.recurse) Walk(path + L"\\", shape);
@@ -78,7 +78,7 @@ void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) 
     if (Takes(shape, entry.cFileName, path)) TakeTraceFile(context_, FromListing(path, entry), kListedFile, current);
   });
   // Succeeds only once the folder is empty; a failure is of no interest.
-  if (shape.removeFolders && !context_.stopped()) ::RemoveDirectoryW(folder.c_str());
+  if (shape.removeFolders && !context_.stopped()) (void)context_.io.RemoveFolder(folder);
 }
 
 bool LocationWalker::VisitFile(const std::wstring& path, Tally tally) {

@@ -72,7 +72,7 @@ void TakeUrlCacheCookies(const TaskContext& context, const std::wstring& pattern
     const wchar_t* name = entry.lpszSourceUrlName;
     const bool cookie = name && std::wstring_view(name).starts_with(L"Cookie:");
     for (int pass = cookie ? 2 : 1; pass > 0; --pass) {
-      if (context.erasing() && name) ::DeleteUrlCacheEntryW(name);
+      if (context.erasing() && name) (void)context.io.DeleteUrlCacheEntry(name);
       Count(context, tally, entry);
     }
   }

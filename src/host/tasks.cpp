@@ -39,7 +39,7 @@ KeyFamily FamilyOf(int set) { return set == kFirstSet ? KeyFamily::kFirstSet : F
 // The context a task hands its cleaners. The wipe method is read from the
 // settings at the start of every task that erases files.
 TaskContext ContextFor(const TaskThread& thread, Mode mode, std::uint32_t wipeMethod = 0) {
-  return TaskContext{g_totals, SystemShredIo(), &thread.stop(), wipeMethod, mode, g_commandWindow,
+  return TaskContext{g_totals, SystemCleanerIo(), &thread.stop(), wipeMethod, mode, g_commandWindow,
                      g_settingsDir, g_settingsPath};
 }
 
@@ -264,7 +264,7 @@ void RunCommand(const CommandMatch& match) {
   }
   if (spec.slot == Slot::kMainThread) {
     // The file-extension fix: the window procedure returns only when done.
-    FixFileExtensions(TaskContext{g_totals, SystemShredIo(), nullptr, 0, Mode::kErase, g_commandWindow,
+    FixFileExtensions(TaskContext{g_totals, SystemCleanerIo(), nullptr, 0, Mode::kErase, g_commandWindow,
                                   g_settingsDir, g_settingsPath});
     DeliverTaskReply(spec, match.commands().done, nullptr);
     return;

@@ -41,7 +41,7 @@ class PluginWalk {
  private:
   void Key(const RegistryTarget& target, Tally tally) {
     if (!OpenRegKey(target.root, target.subkey, KEY_ALL_ACCESS)) return;
-    if (context_.erasing()) ::SHDeleteKeyW(target.root, target.subkey.c_str());
+    if (context_.erasing()) (void)context_.io.DeleteKeyTree(target.root, target.subkey);
     context_.Record([&] { tally.count.add(1); });
   }
 
@@ -49,7 +49,7 @@ class PluginWalk {
     const OpenedKey key = OpenRegKey(target.root, target.subkey, KEY_ALL_ACCESS);
     if (!key) return;
     // The scan does not look the value up; the clean counts only what it deleted.
-    if (!context_.erasing() || ::RegDeleteValueW(key.get(), target.valueName.c_str()) == ERROR_SUCCESS) {
+    if (!context_.erasing() || !context_.io.DeleteValue(key.get(), target.valueName)) {
       context_.Record([&] { tally.count.add(1); });
     }
   }
@@ -114,9 +114,9 @@ class PluginWalk {
   void Remove(const std::wstring& folder, DWORD attributes) {
     if (!context_.erasing() || context_.stopped()) return;
     if (attributes & FILE_ATTRIBUTE_READONLY) {
-      ::SetFileAttributesW(folder.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
+      (void)context_.io.SetAttributes(folder, attributes & ~FILE_ATTRIBUTE_READONLY);
     }
-    ::RemoveDirectoryW(folder.c_str());
+    (void)context_.io.RemoveFolder(folder);
   }
 
   const TaskContext& context_;
@@ -128,7 +128,7 @@ class PluginWalk {
 int RunPlugins(const TaskContext& context) {
   if (context.installRoot.empty()) return -1;
   const std::wstring folder = PluginsFolder(context.installRoot);
-  const std::vector<std::wstring> names = PluginNames(folder, true);
+  const std::vector<std::wstring> names = PluginNames(folder, &context.io);
   PluginWalk walk(context, SystemPluginFolders());
   for (const std::wstring& name : names) {
     if (context.stopped()) break;

@@ -7,7 +7,7 @@ namespace scourel {
 
 std::wstring PluginsFolder(const std::wstring& installRoot) { return installRoot + L"\\plugins"; }
 
-std::vector<std::wstring> PluginNames(const std::wstring& folder, bool clearReadOnly) {
+std::vector<std::wstring> PluginNames(const std::wstring& folder, CleanerIo* clearReadOnly) {
   std::vector<std::wstring> names;
   WIN32_FIND_DATAW entry;
   const UniqueFindHandle find(::FindFirstFileW((folder + L"\\*.cv").c_str(), &entry));
@@ -17,7 +17,7 @@ std::vector<std::wstring> PluginNames(const std::wstring& folder, bool clearRead
     // A link is left as it is: its attributes may be another file's.
     if (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) continue;
     if (clearReadOnly && (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY)) {
-      ::SetFileAttributesW((folder + L"\\" + name).c_str(), entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
+      (void)clearReadOnly->SetAttributes(folder + L"\\" + name, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
     }
     if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) continue;
     // The pattern also matches short names: the long name must end in ".cv" itself.

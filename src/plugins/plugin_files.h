@@ -7,6 +7,7 @@
 
 #include "plugins/plugin_format.h"
 #include "plugins/plugin_targets.h"
+#include "task/cleaner_io.h"
 
 namespace scourel {
 
@@ -14,9 +15,9 @@ namespace scourel {
 std::wstring PluginsFolder(const std::wstring& installRoot);
 
 // The names (without ".cv") of the "*.cv" files in the folder, in listing
-// order. Folders and links are no plug-ins. With clearReadOnly, every entry
-// found loses its read-only attribute, as the worker's walks leave them.
-std::vector<std::wstring> PluginNames(const std::wstring& folder, bool clearReadOnly);
+// order. Folders and links are no plug-ins. With `clearReadOnly`, every entry
+// found loses its read-only attribute through it, as the worker's walks leave them.
+std::vector<std::wstring> PluginNames(const std::wstring& folder, CleanerIo* clearReadOnly);
 
 enum class LoadStatus { kRead, kUnreadable, kTooLarge };
 

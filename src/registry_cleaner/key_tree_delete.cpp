@@ -7,14 +7,14 @@ namespace scourel {
 
 namespace {
 
-bool DeleteDirectly(HKEY root, const std::wstring& path, REGSAM view) {
-  return ::RegDeleteKeyExW(root, path.c_str(), view, 0) == ERROR_SUCCESS;
+bool DeleteDirectly(CleanerIo& io, HKEY root, const std::wstring& path, REGSAM view) {
+  return !io.DeleteKey(root, path, view);
 }
 
 // `deleted` counts the keys removed below, so that a child whose deletion
 // takes nothing away is not tried again: it would fail the same way forever.
-int DeleteTree(HKEY root, const std::wstring& path, REGSAM view, int& deleted) {
-  if (DeleteDirectly(root, path, view)) {
+int DeleteTree(CleanerIo& io, HKEY root, const std::wstring& path, REGSAM view, int& deleted) {
+  if (DeleteDirectly(io, root, path, view)) {
     ++deleted;
     return 0;
   }
@@ -26,22 +26,22 @@ int DeleteTree(HKEY root, const std::wstring& path, REGSAM view, int& deleted) {
   while (!child.empty()) {
     if (base.size() + child.size() > kDeletePathChars) break;
     const int before = deleted;
-    if (DeleteTree(root, base + child, view, deleted) == 0) break;
+    if (DeleteTree(io, root, base + child, view, deleted) == 0) break;
     if (deleted == before) break;
     child = EnumSubkeyName(key.get(), 0);
   }
-  if (!DeleteDirectly(root, path, view)) return -1;
+  if (!DeleteDirectly(io, root, path, view)) return -1;
   ++deleted;
   return 0;
 }
 
 }  // namespace
 
-int DeleteKeyTree(HKEY root, const std::wstring& path, REGSAM view) {
+int DeleteKeyTree(CleanerIo& io, HKEY root, const std::wstring& path, REGSAM view) {
   // An empty path would name the root itself.
   if (path.empty() || path.size() > kDeletePathChars) return -1;
   int deleted = 0;
-  return DeleteTree(root, path, view, deleted);
+  return DeleteTree(io, root, path, view, deleted);
 }
 
 }  // namespace scourel

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "common/win.h"
+#include "task/cleaner_io.h"
 
 namespace scourel {
 
@@ -16,6 +17,6 @@ inline constexpr std::size_t kDeletePathChars = 519;
 
 // 0 when root\path is gone, -1 otherwise. Every open and delete goes through
 // the registry view given (0, KEY_WOW64_32KEY or KEY_WOW64_64KEY).
-int DeleteKeyTree(HKEY root, const std::wstring& path, REGSAM view = 0);
+int DeleteKeyTree(CleanerIo& io, HKEY root, const std::wstring& path, REGSAM view = 0);
 
 }  // namespace scourel

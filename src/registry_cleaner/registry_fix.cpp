@@ -23,37 +23,37 @@ RowKey OpenRow(HKEY root, const std::wstring& path) {
 }
 
 // The one parent level above a deleted key goes too when nothing is left in it.
-void DeleteParentIfEmpty(HKEY root, const std::wstring& path, REGSAM view) {
+void DeleteParentIfEmpty(CleanerIo& io, HKEY root, const std::wstring& path, REGSAM view) {
   const std::size_t slash = path.rfind(L'\\');
   if (slash == std::wstring::npos || slash == 0) return;
   const OpenedKey parent = OpenRegKey(root, path.substr(0, slash), KEY_ALL_ACCESS | view);
   if (!parent) return;
   const KeyCounts counts = CountsOf(parent.get());
   // Through its own handle, so the key deleted is the key found empty.
-  if (counts.values == 0 && counts.subkeys == 0) ::RegDeleteKeyExW(parent.get(), L"", view, 0);
+  if (counts.values == 0 && counts.subkeys == 0) (void)io.DeleteKey(parent.get(), L"", view);
 }
 
-void DeleteKeyOrValue(HKEY root, const RegistryIssue& row, const RowKey& opened) {
-  if (DeleteKeyTree(root, row.keyPath, opened.view) == 0) return;
-  ::RegDeleteValueW(opened.key.get(), row.valueName.c_str());
-  DeleteKeyTree(root, row.keyPath, opened.view);
+void DeleteKeyOrValue(CleanerIo& io, HKEY root, const RegistryIssue& row, const RowKey& opened) {
+  if (DeleteKeyTree(io, root, row.keyPath, opened.view) == 0) return;
+  (void)io.DeleteValue(opened.key.get(), row.valueName);
+  DeleteKeyTree(io, root, row.keyPath, opened.view);
 }
 
-void FixRow(const RegistryIssue& row, bool extensionRow) {
+void FixRow(CleanerIo& io, const RegistryIssue& row, bool extensionRow) {
   const HKEY root = RootFromName(row.rootName);
   if (!root || row.keyPath.empty()) return;
   const RowKey opened = OpenRow(root, row.keyPath);
   if (!opened.key) return;
   const KeyCounts counts = CountsOf(opened.key.get());
   if (extensionRow) {
-    DeleteKeyOrValue(root, row, opened);
+    DeleteKeyOrValue(io, root, row, opened);
   } else if (row.IsKeyEntry()) {
-    DeleteKeyTree(root, row.keyPath, opened.view);
-    DeleteParentIfEmpty(root, row.keyPath, opened.view);
+    DeleteKeyTree(io, root, row.keyPath, opened.view);
+    DeleteParentIfEmpty(io, root, row.keyPath, opened.view);
   } else if (counts.values == 1) {
-    DeleteKeyOrValue(root, row, opened);
+    DeleteKeyOrValue(io, root, row, opened);
   } else if (counts.values > 1) {
-    ::RegDeleteValueW(opened.key.get(), row.valueName.c_str());
+    (void)io.DeleteValue(opened.key.get(), row.valueName);
   }
 }
 
@@ -96,13 +96,13 @@ void FixSelected(const TaskContext& context) {
   for (int category = 0; category < kRegistryCategoryTotal; ++category) {
     for (const RegistryIssue& row : g_registry.fixList.Rows(category)) {
       if (context.stopped()) return;
-      FixRow(row, false);
+      FixRow(context.io, row, false);
     }
   }
 }
 
-void FixFileExtensions(const TaskContext&) {
-  for (const RegistryIssue& row : g_registry.found.Rows(kCatExtensions)) FixRow(row, true);
+void FixFileExtensions(const TaskContext& context) {
+  for (const RegistryIssue& row : g_registry.found.Rows(kCatExtensions)) FixRow(context.io, row, true);
 }
 
 }  // namespace scourel

@@ -9,7 +9,7 @@
 #include "common/stop_flag.h"
 #include "common/win.h"
 #include "task/task_totals.h"
-#include "wipe/shred_io.h"
+#include "task/cleaner_io.h"
 
 namespace scourel {
 
@@ -19,7 +19,7 @@ enum class Mode { kMeasure, kErase };
 
 struct TaskContext {
   TaskTotals& totals;
-  ShredIo& io;                  // the shredder's file-system calls
+  CleanerIo& io;                // every change the cleaners make, the shredder's included
   const StopFlag* stop = nullptr;
   std::uint32_t wipeMethod = 0;  // read from the settings when the task began
   Mode mode = Mode::kMeasure;

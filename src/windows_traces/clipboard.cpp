@@ -4,11 +4,6 @@
 
 namespace scourel {
 
-void EmptyClipboardStep(const TaskContext& context) {
-  if (::OpenClipboard(context.window)) {
-    ::EmptyClipboard();
-    ::CloseClipboard();
-  }
-}
+void EmptyClipboardStep(const TaskContext& context) { context.io.EmptyClipboard(context.window); }
 
 }  // namespace scourel

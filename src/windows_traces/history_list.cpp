@@ -62,12 +62,12 @@ int EraseHistoryKey(const TaskContext& context, HKEY root, const std::wstring& p
   if (key) {
     DWORD length = kHistoryLengthStart;
     while (!context.stopped() && ReadHistoryValue(key.get(), 0, buffers, length) &&
-           ::RegDeleteValueW(key.get(), buffers.name) == ERROR_SUCCESS) {
+           !context.io.DeleteValue(key.get(), buffers.name)) {
       ++deleted;
     }
   }
   // Whatever the loop left goes with the key; a missing key fails harmlessly.
-  if (!context.stopped()) ::SHDeleteKeyW(root, path.c_str());
+  if (!context.stopped()) (void)context.io.DeleteKeyTree(root, path);
   return deleted;
 }
 

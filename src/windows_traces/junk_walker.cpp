@@ -27,7 +27,7 @@ void JunkWalker::FileWalk(const std::wstring& folder, bool removeFolder, bool re
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = folder + entry.cFileName;
     if (context_.erasing() && (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY)) {
-      ::SetFileAttributesW(path.c_str(), entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
+      (void)context_.io.SetAttributes(path, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
     }
     if (IsFolder(entry)) {
       if (recurse) FileWalk(path + L"\\", true, recurse, treeWalk);
@@ -36,7 +36,7 @@ void JunkWalker::FileWalk(const std::wstring& folder, bool removeFolder, bool re
     Take(path, entry, rule, counter);
   });
   // Succeeds only when the folder is now empty; a failure is of no interest.
-  if (removeFolder && context_.erasing()) ::RemoveDirectoryW(folder.c_str());
+  if (removeFolder && context_.erasing()) (void)context_.io.RemoveFolder(folder);
 }
 
 void JunkWalker::CountCrashDumps(const std::wstring& folder) {

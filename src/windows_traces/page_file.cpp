@@ -5,18 +5,18 @@
 
 namespace scourel {
 
-void SetClearPageFileAt(HKEY root, const std::wstring& path) {
+void SetClearPageFileAt(CleanerIo& io, HKEY root, const std::wstring& path) {
   // Without administrator rights this fails and the step does nothing.
   const OpenedKey key = OpenRegKey(root, path, KEY_ALL_ACCESS);
   if (!key) return;
   // Written as it always has been: a string "0" whose length in characters
   // (1) is passed as its length in bytes, so one byte is stored.
   static constexpr wchar_t kText[] = L"0";
-  ::RegSetValueExW(key.get(), kClearPageFileValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(kText), 1);
+  (void)io.SetValue(key.get(), kClearPageFileValue, REG_SZ, reinterpret_cast<const BYTE*>(kText), 1);
 }
 
 void SetClearPageFile(const TaskContext& context) {
-  if (context.erasing()) SetClearPageFileAt(HKEY_LOCAL_MACHINE, kMemoryManagementKey);
+  if (context.erasing()) SetClearPageFileAt(context.io, HKEY_LOCAL_MACHINE, kMemoryManagementKey);
 }
 
 }  // namespace scourel

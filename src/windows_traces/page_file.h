@@ -4,6 +4,7 @@
 #include <string>
 
 #include "common/win.h"
+#include "task/cleaner_io.h"
 
 namespace scourel {
 
@@ -13,6 +14,6 @@ inline constexpr wchar_t kClearPageFileValue[] = L"ClearPageFileAtShutdown";
 
 // Writes the value under root\path when the key opens with all access;
 // otherwise writes nothing and says nothing.
-void SetClearPageFileAt(HKEY root, const std::wstring& path);
+void SetClearPageFileAt(CleanerIo& io, HKEY root, const std::wstring& path);
 
 }  // namespace scourel

@@ -7,13 +7,7 @@
 
 namespace scourel {
 
-namespace {
-
-void ClearShellRecentList() { ::SHAddToRecentDocs(0, nullptr); }
-
-}  // namespace
-
-void VisitRecentDocuments(const TaskContext& context, const std::wstring& folder, void (*clearShellList)()) {
+void VisitRecentDocuments(const TaskContext& context, const std::wstring& folder) {
   const Tally tally = context.totals.byteTotalWith(context.totals.pc(protocol::PcStep::kDocuments));
   // Text after ".lnk" still matches (notes.lnk.old).
   ForEachEntry(context, folder + L"\\*.lnk*", [&](const WIN32_FIND_DATAW& entry) {
@@ -21,15 +15,15 @@ void VisitRecentDocuments(const TaskContext& context, const std::wstring& folder
     // link to one) is counted and left whole.
     if (!IsDotEntry(entry)) TakeTraceFile(context, FromListing(folder + L"\\" + entry.cFileName, entry), {Probe::kNone}, tally);
   });
-  if (context.erasing() && !context.stopped()) clearShellList();
+  if (context.erasing() && !context.stopped()) context.io.ClearRecentDocuments();
 }
 
 void RecentDocuments(const TaskContext& context) {
   const std::wstring folder = ShellFolderPath(CSIDL_RECENT);
   if (!folder.empty()) {
-    VisitRecentDocuments(context, folder, ClearShellRecentList);
+    VisitRecentDocuments(context, folder);
   } else if (context.erasing()) {
-    ClearShellRecentList();
+    context.io.ClearRecentDocuments();
   }
 }
 

@@ -8,8 +8,8 @@
 namespace scourel {
 
 // Counts each entry matching "<folder>\*.lnk*" with its size; when erasing,
-// shreds each and then calls clearShellList once the listing ends, whether
+// shreds each and then clears the shell's list once the listing ends, whether
 // or not anything was found.
-void VisitRecentDocuments(const TaskContext& context, const std::wstring& folder, void (*clearShellList)());
+void VisitRecentDocuments(const TaskContext& context, const std::wstring& folder);
 
 }  // namespace scourel

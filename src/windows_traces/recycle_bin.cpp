@@ -36,7 +36,7 @@ void RecycleBins(const TaskContext& context) {
   }
   QueryAllBins(context, context.totals.byteTotal);
   // Emptying the bin does not shred: the bin's files go as the shell deletes them.
-  if (!context.stopped()) ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
+  if (!context.stopped()) context.io.EmptyRecycleBins();
 }
 
 }  // namespace scourel

@@ -29,7 +29,7 @@ void VisitFoundFolder(const TaskContext& context, const std::wstring& folder) {
     TakeTraceFile(context, FromListing(folder + L"\\" + entry.cFileName, entry), {}, tally);
   });
   // Only an emptied folder goes; anything else in it keeps it.
-  if (context.erasing() && !context.stopped()) ::RemoveDirectoryW(folder.c_str());
+  if (context.erasing() && !context.stopped()) (void)context.io.RemoveFolder(folder);
 }
 
 }  // namespace

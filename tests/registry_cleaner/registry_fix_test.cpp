@@ -90,8 +90,8 @@ TEST(RegistryFixTest, RowRules) {
       }
     }
   }
-  EXPECT_EQ(DeleteKeyTree(HKEY_CURRENT_USER, L""), -1);  // never the root itself
-  EXPECT_EQ(DeleteKeyTree(HKEY_CURRENT_USER, std::wstring(kDeletePathChars + 1, L'k')), -1);
+  EXPECT_EQ(DeleteKeyTree(SystemCleanerIo(), HKEY_CURRENT_USER, L""), -1);  // never the root itself
+  EXPECT_EQ(DeleteKeyTree(SystemCleanerIo(), HKEY_CURRENT_USER, std::wstring(kDeletePathChars + 1, L'k')), -1);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace scourel::test {
 
 inline TaskContext TestContext(Mode mode, std::uint32_t wipeMethod = 0, std::wstring settingsPath = L"",
                                std::wstring installRoot = L"") {
-  return TaskContext{g_totals, SystemShredIo(), nullptr, wipeMethod, mode, nullptr, std::move(installRoot),
+  return TaskContext{g_totals, SystemCleanerIo(), nullptr, wipeMethod, mode, nullptr, std::move(installRoot),
                      std::move(settingsPath)};
 }
 

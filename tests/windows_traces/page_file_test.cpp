@@ -22,7 +22,7 @@ std::pair<DWORD, std::string> ReadStored(HKEY key) {
 // and a key that does not open is neither made nor reported.
 TEST(PageFileTest, TheValueIsOneByteStringZeroWhereTheKeyOpens) {
   ScratchKey scratch(L"pctraces-pagefile");
-  SetClearPageFileAt(HKEY_CURRENT_USER, scratch.path() + L"\\missing");
+  SetClearPageFileAt(SystemCleanerIo(), HKEY_CURRENT_USER, scratch.path() + L"\\missing");
   EXPECT_FALSE(KeyPresent(HKEY_CURRENT_USER, scratch.path() + L"\\missing"));
   UniqueRegKey key;
   if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, kMemoryKey, 0, KEY_ALL_ACCESS, key.put()) != ERROR_SUCCESS) {

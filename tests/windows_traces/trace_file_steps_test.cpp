@@ -14,6 +14,12 @@ namespace {
 
 int g_shellListClears = 0;
 
+// The system's calls, but the shell's list is only counted when cleared.
+struct CountedClears : CleanerIo {
+  void ClearRecentDocuments() override { ++g_shellListClears; }
+};
+CountedClears g_countedClears;
+
 struct FileStep {
   const char* name;
   void (*visit)(const TaskContext&, const std::wstring& base);
@@ -37,7 +43,9 @@ const FileStep kSteps[] = {
     // file in use and a folder or link so named are counted and left whole.
     {"recent documents",
      [](const TaskContext& context, const std::wstring& base) {
-       VisitRecentDocuments(context, base + L"\\Recent", [] { ++g_shellListClears; });
+       const TaskContext counted{context.totals, g_countedClears, context.stop, context.wipeMethod,
+                                 context.mode,   context.window,  context.installRoot, context.settingsPath};
+       VisitRecentDocuments(counted, base + L"\\Recent");
      },
      protocol::PcStep::kDocuments, {{L"Recent\\report.docx.lnk", 300}, {L"Recent\\notes.lnk.old", 200}},
      {L"Recent\\readme.txt", L"Recent\\link.txt", L"Recent\\album.lnk\\photo.lnk"}, L"Recent\\busy.lnk",

@@ -68,7 +68,7 @@ std::optional<BrowserRows> MeasureBrowserRows(const Options& options, const std:
   }
 
   scourel::TaskTotals totals;
-  const scourel::TaskContext context{totals, scourel::SystemShredIo(), nullptr, 0, scourel::Mode::kMeasure,
+  const scourel::TaskContext context{totals, scourel::SystemCleanerIo(), nullptr, 0, scourel::Mode::kMeasure,
                                      nullptr, *root, settings.path()};
   {
     const CurrentDirectory inWorkerFolder(rows.currentDirectory);

@@ -52,7 +52,7 @@ bool WriteWhole(const std::wstring& path, const std::string& bytes) {
 PluginCommandResult ListPluginFiles(const std::wstring& pluginsFolder) {
   PluginCommandResult result;
   result.out = Line("plugins", Utf8(pluginsFolder));
-  const std::vector<std::wstring> names = PluginNames(pluginsFolder, false);
+  const std::vector<std::wstring> names = PluginNames(pluginsFolder, nullptr);
   const PluginFolders folders = SystemPluginFolders();
   for (const std::wstring& name : names) {
     const LoadedPlugin plugin = LoadPlugin(pluginsFolder, name);

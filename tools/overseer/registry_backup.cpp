@@ -165,7 +165,7 @@ std::optional<std::string> WriteFixBackup(const std::wstring& file, const std::v
   const std::optional<std::vector<long long>> worker = WorkerCounts(workerScan);
   if (!worker) return "the worker's scan did not report its registry counts";
   const scourel::TaskContext context{
-      scourel::g_totals, scourel::SystemShredIo(), nullptr, 0, scourel::Mode::kMeasure, nullptr, L"", L""};
+      scourel::g_totals, scourel::SystemCleanerIo(), nullptr, 0, scourel::Mode::kMeasure, nullptr, L"", L""};
   scourel::RunRegistryScan(context);
   const int extensions = scourel::RunFileExtensionScan(context);
   const auto counts = scourel::RegistryReportCounts();

@@ -1,0 +1,54 @@
+#include "task/cleaner_io.h"
+
+#include "common/status.h"
+
+namespace scourel {
+
+namespace {
+
+std::error_code Checked(BOOL ok) { return ok ? std::error_code() : LastError(); }
+std::error_code Registry(LSTATUS status) { return Win32Error(static_cast<DWORD>(status)); }
+
+}  // namespace
+
+std::error_code CleanerIo::RemoveFolder(const std::wstring& path) {
+  return Checked(::RemoveDirectoryW(path.c_str()));
+}
+
+std::error_code CleanerIo::DeleteKeyTree(HKEY root, const std::wstring& subkey) {
+  return Registry(::SHDeleteKeyW(root, subkey.c_str()));
+}
+
+std::error_code CleanerIo::DeleteKey(HKEY root, const std::wstring& subkey, REGSAM view) {
+  return Registry(::RegDeleteKeyExW(root, subkey.c_str(), view, 0));
+}
+
+std::error_code CleanerIo::DeleteValue(HKEY key, const std::wstring& name) {
+  return Registry(::RegDeleteValueW(key, name.c_str()));
+}
+
+std::error_code CleanerIo::SetValue(HKEY key, const std::wstring& name, DWORD type, const BYTE* data, DWORD bytes) {
+  return Registry(::RegSetValueExW(key, name.c_str(), 0, type, data, bytes));
+}
+
+void CleanerIo::EmptyClipboard(HWND owner) {
+  if (::OpenClipboard(owner)) {
+    ::EmptyClipboard();
+    ::CloseClipboard();
+  }
+}
+
+void CleanerIo::EmptyRecycleBins() {
+  ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
+}
+
+void CleanerIo::ClearRecentDocuments() { ::SHAddToRecentDocs(0, nullptr); }
+
+std::error_code CleanerIo::DeleteUrlCacheEntry(const wchar_t* url) { return Checked(::DeleteUrlCacheEntryW(url)); }
+
+CleanerIo& SystemCleanerIo() {
+  static CleanerIo io;
+  return io;
+}
+
+}  // namespace scourel

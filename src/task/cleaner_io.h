@@ -1,0 +1,46 @@
+// Every change a cleaner makes to the system goes through one object: the
+// shredder's file calls (ShredIo) and the rest, namely attributes of listed
+// entries, folder removals, registry deletions and writes, the clipboard, the
+// Recycle Bin, the shell's recent-documents list and URL-cache entries. The
+// worker uses the system's; a test or a preview can put another in its place,
+// which records the changes and answers as the system would have.
+#pragma once
+
+#include <string>
+#include <system_error>
+
+#include "common/win.h"
+#include "wipe/shred_io.h"
+
+namespace scourel {
+
+class CleanerIo : public ShredIo {
+ public:
+  // RemoveDirectoryW: only an empty folder goes.
+  [[nodiscard]] virtual std::error_code RemoveFolder(const std::wstring& path);
+
+  // SHDeleteKeyW: the key with everything below it.
+  [[nodiscard]] virtual std::error_code DeleteKeyTree(HKEY root, const std::wstring& subkey);
+  // RegDeleteKeyExW: one key without subkeys, in the registry view given.
+  // `root` may be an open key and `subkey` empty: the key itself.
+  [[nodiscard]] virtual std::error_code DeleteKey(HKEY root, const std::wstring& subkey, REGSAM view);
+  // RegDeleteValueW through an open key.
+  [[nodiscard]] virtual std::error_code DeleteValue(HKEY key, const std::wstring& name);
+  // RegSetValueExW through an open key.
+  [[nodiscard]] virtual std::error_code SetValue(HKEY key, const std::wstring& name, DWORD type, const BYTE* data,
+                                                 DWORD bytes);
+
+  // Opens the clipboard for `owner` and empties it.
+  virtual void EmptyClipboard(HWND owner);
+  // SHEmptyRecycleBinW for every drive, with no confirmation, progress or sound.
+  virtual void EmptyRecycleBins();
+  // SHAddToRecentDocs(0, null), which empties the shell's recent-documents list.
+  virtual void ClearRecentDocuments();
+  // DeleteUrlCacheEntryW.
+  [[nodiscard]] virtual std::error_code DeleteUrlCacheEntry(const wchar_t* url);
+};
+
+// The process's one system-backed instance.
+CleanerIo& SystemCleanerIo();
+
+}  // namespace scourel
