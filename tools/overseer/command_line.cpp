@@ -227,9 +227,10 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   } else if (verb == "plugins") {
     options.verb = Verb::kPlugins;
     options.pluginImport = words.size() > 1 && words[1] == "import";
+    options.pluginBrowsers = words.size() > 1 && words[1] == "browsers";
     used = options.pluginImport ? 3 : 2;
-    if (words.size() < 2 || (words[1] != "list" && !options.pluginImport)) {
-      return refuse("plugins needs list or import FILE.ini");
+    if (words.size() < 2 || (words[1] != "list" && !options.pluginImport && !options.pluginBrowsers)) {
+      return refuse("plugins needs list, import FILE.ini or browsers");
     }
     if (options.pluginImport && words.size() < 3) return refuse("plugins import needs a rules file");
     if (options.pluginImport) options.rulesFile = wideWords[2];
@@ -278,6 +279,8 @@ std::string UsageText() {
          "  settings                   writes the settings options only; sends nothing\n"
          "  plugins list               lists the worker's plug-ins and the entries it refuses\n"
          "  plugins import FILE.ini    converts winapp2.ini-format rules into plug-ins\n"
+         "  plugins browsers           writes plug-ins for every profile of today's browsers\n"
+         "                             (--browser LIST: the categories they take)\n"
          "\n"
          "Options:\n"
          "  --worker PATH      scourel.exe to start (default: beside overseer.exe); a running\n"

@@ -44,6 +44,7 @@ struct Options {
   std::optional<std::vector<bool>> registry;  // kRegistryNames order
   bool pluginImport = false;  // plugins: import (else list)
   std::wstring rulesFile;     // plugins import: the rules file
+  bool pluginBrowsers = false;  // plugins browsers: generate the browsers' plug-ins
 };
 
 struct ParseResult {

@@ -11,6 +11,7 @@
 #include "overseer/command_plan.h"
 #include "overseer/controller_session.h"
 #include "overseer/fix_scope.h"
+#include "overseer/generated_plugins.h"
 #include "overseer/plugin_commands.h"
 #include "overseer/registry_backup.h"
 #include "overseer/report_output.h"
@@ -76,8 +77,9 @@ int wmain(int argc, wchar_t** argv) {
       return 1;
     }
     const std::wstring folder = scourel::PluginsFolder(*root);
-    const PluginCommandResult result =
-        options.pluginImport ? ImportRulesFile(options.rulesFile, folder) : ListPluginFiles(folder);
+    const PluginCommandResult result = options.pluginImport     ? ImportRulesFile(options.rulesFile, folder)
+                                       : options.pluginBrowsers ? WriteBrowserPlugins(folder, options.browser)
+                                                                : ListPluginFiles(folder);
     Print(result.out);
     if (!result.error.empty()) PrintError(result.error);
     return result.exitCode;
@@ -161,6 +163,8 @@ int wmain(int argc, wchar_t** argv) {
   }
   report.browserRows = MeasureBrowserRows(options, report.workerPath);
   if (!options.json && report.browserRows) Print(BrowserRowsTable(*report.browserRows));
+  report.pluginRows = MeasurePluginRows(options, report.workerPath);
+  if (!options.json && report.pluginRows) Print(PluginRowsTable(*report.pluginRows));
   if (!options.backupPath.empty()) {
     // The worker fixes what its own scan found: scan there, then here, and
     // save what the fix may delete.
