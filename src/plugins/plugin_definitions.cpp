@@ -138,4 +138,8 @@ int RunPlugins(const TaskContext& context) {
   return static_cast<int>(names.size());
 }
 
+void RunPlugin(const TaskContext& context, const PluginDefinition& plugin) {
+  PluginWalk(context, SystemPluginFolders()).Run(plugin);
+}
+
 }  // namespace scourel

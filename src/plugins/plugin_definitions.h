@@ -3,6 +3,7 @@
 // same way.
 #pragma once
 
+#include "plugins/plugin_format.h"
 #include "task/task_context.h"
 
 namespace scourel {
@@ -12,5 +13,8 @@ namespace scourel {
 // total once its file is done. Sizes go to the plug-in byte total as found.
 // The number of plug-ins found, or -1 when there is no install root.
 int RunPlugins(const TaskContext& context);
+
+// One plug-in's entries, walked as above: what overseer measures per plug-in.
+void RunPlugin(const TaskContext& context, const PluginDefinition& plugin);
 
 }  // namespace scourel

@@ -14,7 +14,7 @@ TEST(OverseerOutputTest, JsonStringsAreEscaped) {
 
 TEST(OverseerOutputTest, JsonReportShape) {
   RunReport report{"scan", L"C:\\r\\bin\\scourel.exe", 42, false, L"C:\\r\\Settings.INI", {{L"IDS_WIPEALGORITHM", L"7"}},
-                   {DecodeCopyData(101, L"1\\j2.00 KB\\j3"), DecodeMessage(2035, 1, 5)}, "completed", "", {}};
+                   {DecodeCopyData(101, L"1\\j2.00 KB\\j3"), DecodeMessage(2035, 1, 5)}, "completed", "", {}, {}};
   const std::string json = JsonReport(report);
   for (const char* part :
        {"\"command\": \"scan\"",

@@ -124,6 +124,7 @@ std::string JsonReport(const RunReport& report) {
   }
   out += "},\n";
   if (report.browserRows) out += "  \"browser_rows\": " + BrowserRowsJson(*report.browserRows) + ",\n";
+  if (report.pluginRows) out += "  \"plugin_rows\": " + PluginRowsJson(*report.pluginRows) + ",\n";
   out += "  \"replies\": [";
   for (size_t i = 0; i < report.replies.size(); ++i) {
     const DecodedReply& reply = report.replies[i];

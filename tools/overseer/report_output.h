@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "overseer/browser_rows.h"
+#include "overseer/plugin_rows.h"
 #include "overseer/reply_decoding.h"
 #include "overseer/settings_writer.h"
 
@@ -24,6 +25,7 @@ struct RunReport {
   std::string status;  // completed, stopped, not running, failed
   std::string error;   // why it failed
   std::optional<BrowserRows> browserRows;  // overseer's own measurement, per browser
+  std::optional<std::vector<PluginRow>> pluginRows;  // the same, per plug-in
 };
 
 std::string Utf8(std::wstring_view text);
