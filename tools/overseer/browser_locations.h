@@ -19,7 +19,7 @@ enum class Place {
 };
 
 struct LocationRow {
-  std::wstring_view path;  // below the profile folder
+  std::wstring_view path;  // below the profile folder; "folder\*": each folder in it, but extensions
   bool folder;             // a folder goes with everything in it
   Place place;
   scourel::protocol::BrowserCategory category;

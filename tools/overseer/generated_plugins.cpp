@@ -123,6 +123,26 @@ std::optional<std::wstring> TokenForm(const std::wstring& path, const PluginFold
   return best;
 }
 
+// A path ending in "\\*" stands for each folder in it as it is now, but
+// those of extensions, whose data is never named; any other path for itself.
+std::vector<std::wstring> Spread(const std::wstring& path) {
+  if (!path.ends_with(L"\\*")) return {path};
+  std::vector<std::wstring> folders;
+  WIN32_FIND_DATAW entry;
+  const UniqueFindHandle find(::FindFirstFileW(path.c_str(), &entry));
+  for (bool more = static_cast<bool>(find); more; more = ::FindNextFileW(find.get(), &entry)) {
+    const std::wstring_view name = entry.cFileName;
+    const bool folder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
+                        !(entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
+    if (!folder || name == L"." || name == L".." || name.starts_with(L"chrome-extension_") ||
+        name.starts_with(L"moz-extension")) {
+      continue;
+    }
+    folders.push_back(path.substr(0, path.size() - 1) + std::wstring(name));
+  }
+  return folders;
+}
+
 // What a file name may not hold, each replaced by "_".
 std::wstring FileNameOf(std::wstring name) {
   for (wchar_t& c : name) {
@@ -140,9 +160,15 @@ Generation GeneratePlugins(const Discovery& found, const std::optional<std::vect
   const BuiltInPlaces builtIn;
   const PluginFolders folders = SystemPluginFolders();
   const int bound = FamilyOf(EntryKind::kFile).bound;
+  std::vector<std::wstring> titles;
   for (const BrowserProfile& profile : found.profiles) {
-    const std::wstring title =
+    std::wstring title =
         std::wstring(profile.browser->name) + (profile.displayName.empty() ? L"" : L" - " + profile.displayName);
+    // Two profiles that show one name are told apart by their folders.
+    for (const std::wstring& known : titles) {
+      if (SamePath(known, title)) title += L" (" + profile.folder.substr(profile.folder.rfind(L'\\') + 1) + L")";
+    }
+    titles.push_back(title);
     std::vector<std::wstring> entries;
     std::set<int> taken;
     for (const LocationRow& row : LocationsOf(profile.browser->family)) {
@@ -150,16 +176,18 @@ Generation GeneratePlugins(const Discovery& found, const std::optional<std::vect
       if (categories && !(*categories)[static_cast<size_t>(category)]) continue;
       const std::wstring path =
           (row.place == Place::kCacheFolder ? profile.cacheFolder : profile.folder) + L"\\" + std::wstring(row.path);
-      if (builtIn.Takes(path, row.folder)) continue;
-      const auto text = TokenForm(path, folders);
-      const EntryTarget target =
-          text ? ResolveEntry({EntryKind::kFile, 1, *text}, folders) : EntryTarget{"outside the token folders", {}, {}};
-      if (!target.refusal.empty()) {
-        result.notes.push_back(Utf8(title) + ": left out " + Utf8(path) + ": " + std::string(target.refusal));
-        continue;
+      for (const std::wstring& one : Spread(path)) {
+        if (builtIn.Takes(one, row.folder)) continue;
+        const auto text = TokenForm(one, folders);
+        const EntryTarget target = text ? ResolveEntry({EntryKind::kFile, 1, *text}, folders)
+                                        : EntryTarget{"outside the token folders", {}, {}};
+        if (!target.refusal.empty()) {
+          result.notes.push_back(Utf8(title) + ": left out " + Utf8(one) + ": " + std::string(target.refusal));
+          continue;
+        }
+        entries.push_back(*text);
+        taken.insert(category);
       }
-      entries.push_back(*text);
-      taken.insert(category);
     }
     if (entries.empty()) continue;
     std::wstring what;
