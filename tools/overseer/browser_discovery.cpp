@@ -5,6 +5,7 @@
 #include "common/unique_handle.h"
 #include "overseer/local_state.h"
 #include "overseer/report_output.h"
+#include "plugins/plugin_files.h"
 #include "plugins/plugin_format.h"
 #include "plugins/plugin_targets.h"
 
@@ -99,6 +100,10 @@ class Finder {
  public:
   Finder() : local_(scourel::LocalAppData()), roaming_(scourel::RoamingAppData()) {
     userFolders_ = {roaming_, local_, scourel::ShellFolderPath(CSIDL_PROFILE)};
+    const scourel::PluginFolders system = scourel::SystemPluginFolders();
+    systemFolders_ = system.special;
+    systemFolders_.insert(systemFolders_.end(), system.tokens.begin(), system.tokens.end());
+    systemFolders_.push_back(system.profile);
   }
 
   Discovery Run() {
@@ -126,6 +131,12 @@ class Finder {
            const std::string& source) {
     for (const BrowserProfile& known : found_.profiles) {
       if (known.browser == &browser && scourel::SamePath(known.folder, folder)) return;
+    }
+    for (const std::wstring& system : systemFolders_) {
+      if (!system.empty() && scourel::SamePath(system, folder)) {
+        Note(browser, source + " names \"" + Utf8(folder) + "\", a folder of the system's own: refused");
+        return;
+      }
     }
     switch (KindOf(folder)) {
       case Kind::kLink: Note(browser, source + " names a link: refused"); return;
@@ -245,6 +256,7 @@ class Finder {
 
   std::wstring local_, roaming_;
   std::vector<std::wstring> userFolders_;
+  std::vector<std::wstring> systemFolders_;  // never a profile, whatever a list says
   Discovery found_;
 };
 
