@@ -63,6 +63,7 @@ const Planted kPlanted[] = {
     {false, EDGE L"Profile 1\\Preferences", Fate::kKept},
     {false, EDGE L"Profile 1\\Extensions\\abc\\1.0\\manifest.json", Fate::kKept},
     {false, EDGE L"Profile 1\\Login Data", Fate::kKept},
+    {false, EDGE L"Profile 1\\IndexedDB\\chrome-extension_abc_0.indexeddb.leveldb\\000001.log", Fate::kKept},
     {false, L"Microsoft\\Edge Beta\\User Data\\Default\\Network\\Cookies", Fate::kKept},
     {false, BRAVE L"Default\\Preferences", Fate::kKept},
     {false, BRAVE L"Default\\Code Cache\\js\\a1", Fate::kGenerated},
@@ -89,6 +90,8 @@ const Planted kPlanted[] = {
     {true, FF L"second.dev\\cookies.sqlite", Fate::kGenerated},
     {false, FF L"second.dev\\cache2\\entries\\B2", Fate::kGenerated},
     {true, FF L"second.dev\\extensions\\x.xpi", Fate::kKept},
+    {true, FF L"second.dev\\storage\\default\\https+++example.com\\ls\\data.sqlite", Fate::kGenerated},
+    {true, FF L"second.dev\\storage\\default\\moz-extension+++abc\\idb\\x.sqlite", Fate::kKept},
     {false, L"FirefoxElsewhere\\third\\places.sqlite", Fate::kGenerated},
     {false, L"FirefoxElsewhere\\third\\cache2\\entries\\C3", Fate::kGenerated},
     {false, L"FirefoxElsewhere\\third\\key4.db", Fate::kKept},
@@ -135,6 +138,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   WriteFileBytes(local + L"\\" CHROME L"Local State",
                  R"({"profile": {"info_cache": {"Default": {"name": "Person 1"}, "Profile 2": {"name": "Holiday"},)"
                  R"( "..\\..\\Edge": {"name": "Climber"}}}})");
+  const std::wstring desktop = ShellFolderPath(CSIDL_DESKTOPDIRECTORY);
   const std::string third = overseer::Utf8(local) + "\\FirefoxElsewhere\\third";
   WriteFileBytes(roaming + L"\\Mozilla\\Firefox\\profiles.ini",
                  "[Install4F96D1932A9F858E]\r\nDefault=Profiles/second.dev\r\n"
@@ -142,7 +146,8 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
                  "[Profile1]\r\nName=dev\r\nIsRelative=1\r\nPath=Profiles/second.dev\r\n"
                  "[Profile2]\r\nName=elsewhere\r\nIsRelative=0\r\nPath=" + third + "\r\n"
                  "[Profile3]\r\nName=climber\r\nIsRelative=1\r\nPath=Profiles/../../../escape\r\n"
-                 "[Profile4]\r\nName=outside\r\nIsRelative=0\r\nPath=" + overseer::Utf8(canary.root()) + "\r\n");
+                 "[Profile4]\r\nName=outside\r\nIsRelative=0\r\nPath=" + overseer::Utf8(canary.root()) + "\r\n" +
+                 "[Profile5]\r\nName=desk\r\nIsRelative=0\r\nPath=" + overseer::Utf8(desktop) + "\r\n");
   MakeDirs(plugins);
   const std::string mine = "[Info]\r\nDescription=Mine\r\nDeleteFile1=%LocalAppData%\\Vivaldi\\absent.log\r\n";
   WriteFileBytes(plugins + L"\\Mine.cv", mine);
@@ -158,14 +163,20 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   const std::wstring generate = L"--worker " + worker.root() +
                                 L"\\bin\\scourel.exe plugins browsers --browser "
                                 L"cache,cookies,history,session,download_history,address_bar";
+  // Any program under a browser's executable name is that browser running.
+  ASSERT_TRUE(::CopyFileW((ProgramDir() + L"\\scourel.exe").c_str(), (outside / L"msedge.exe").c_str(), FALSE));
+  UniqueHandleKernel edge = StartProgram(L"\"" + (outside / L"msedge.exe") + L"\"");
   OverseerRun run = RunOverseer(generate);
+  WaitAndEnd(edge.get(), 0);
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   for (const std::string& line :
-       {std::string("Chrome: \"Local State\" names \"..\\..\\Edge\", which is not a folder name: refused"),
+       {std::string("running   Edge (msedge.exe)"),
+        std::string("Chrome: \"Local State\" names \"..\\..\\Edge\", which is not a folder name: refused"),
         std::string("Brave: \"Local State\" holds no profile list it can read"),
         std::string("Vivaldi: \"Local State\" holds no profile list it can read"),
         std::string("[Profile3] path \"Profiles/../../../escape\": it climbs with \"..\": refused"),
-        "[Profile4] path \"" + overseer::Utf8(canary.root()) + "\": outside the user's folders: refused"}) {
+        "[Profile4] path \"" + overseer::Utf8(canary.root()) + "\": outside the user's folders: refused",
+        "[Profile5] names \"" + overseer::Utf8(desktop) + "\", a folder of the system's own: refused"}) {
     EXPECT_NE(run.out.find(line), std::string::npos) << line << "\n" << run.out;
   }
   // Past 30 files a profile's plug-in goes on in a second one.

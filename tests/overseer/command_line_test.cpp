@@ -106,7 +106,7 @@ TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
       {L"fix junk", "valid targets are registry, extensions"},
       {L"stop extensions", "valid targets are junk, shortcuts, recycle, browser, pc, plugins, registry, scan"},
       {L"scan now", "unexpected argument \"now\" after scan"},
-      {L"plugins show", "plugins needs list or import FILE.ini"},
+      {L"plugins show", "plugins needs list, import FILE.ini or browsers"},
       {L"plugins import", "plugins import needs a rules file"},
       {L"--wipe 9 scan",
        "invalid --wipe value \"9\": valid values are 0-8 or zero, random, dod3, pairs3, dod7, "
