@@ -50,6 +50,7 @@ struct Planted {
 #define EDGE L"Microsoft\\Edge\\User Data\\"
 #define BRAVE L"BraveSoftware\\Brave-Browser\\User Data\\"
 #define CHROME L"Google\\Chrome\\User Data\\"
+#define OPERA L"Opera Software\\Opera Stable\\"
 #define FF L"Mozilla\\Firefox\\Profiles\\"
 
 // Generated with logins and form data off: Login Data and logins.json stay.
@@ -80,6 +81,12 @@ const Planted kPlanted[] = {
     {false, CHROME L"Profile 2\\Network\\Cookies", Fate::kGenerated},
     {false, CHROME L"Profile 2\\Cache\\Cache_Data\\f_1", Fate::kGenerated},
     {false, CHROME L"Profile 2\\Web Data", Fate::kKept},
+    // Opera's one profile is its folder in roaming; its caches are in local.
+    {true, OPERA L"Preferences", Fate::kKept},
+    {true, OPERA L"Network\\Cookies", Fate::kGenerated},
+    {true, OPERA L"Visited Links", Fate::kBuiltIn},
+    {false, OPERA L"Cache\\Cache_Data\\f_2", Fate::kBuiltIn},
+    {false, OPERA L"Code Cache\\js\\b2", Fate::kGenerated},
     {true, FF L"first.default\\places.sqlite", Fate::kBuiltIn},
     {false, FF L"first.default\\Cache\\0\\A0", Fate::kBuiltIn},
     {false, FF L"first.default\\cache2\\entries\\A1", Fate::kGenerated},
@@ -110,9 +117,11 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   ScratchDir outside(L"ff-outside");
   CanaryTree canary(outside / L"canary");
   const std::wstring link = local + L"\\" EDGE L"Profile 1\\Sessions\\link";
-  const std::vector<std::wstring> roots = {local + L"\\Microsoft\\Edge", local + L"\\Microsoft\\Edge Beta",
-                                           local + L"\\BraveSoftware", local + L"\\Vivaldi", local + L"\\Google",
-                                           local + L"\\Mozilla", roaming + L"\\Mozilla", local + L"\\FirefoxElsewhere"};
+  std::vector<std::wstring> roots = {local + L"\\FirefoxElsewhere", local + L"\\Microsoft\\Edge",
+                                     local + L"\\Microsoft\\Edge Beta"};
+  for (const wchar_t* vendor : {L"BraveSoftware", L"Vivaldi", L"Google", L"Mozilla", L"Opera Software"}) {
+    roots.insert(roots.end(), {local + L"\\" + vendor, roaming + L"\\" + vendor});
+  }
   for (const std::wstring& root : roots) RemoveTree(root);
   const Cleanup planted([&] {
     RemoveUnixLink(link);
@@ -184,7 +193,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
       L"Edge - Personal", L"Edge - Personal (2)", L"Edge - Work", L"Edge - Work (2)", L"Brave - Default",
       L"Brave - Default (2)", L"Brave - Profile 3", L"Brave - Profile 3 (2)", L"Vivaldi - Default",
       L"Vivaldi - Default (2)", L"Chrome - Person 1", L"Chrome - Holiday", L"Chrome - Holiday (2)",
-      L"Firefox - default", L"Firefox - dev", L"Firefox - elsewhere", L"Mine"};
+      L"Firefox - default", L"Firefox - dev", L"Firefox - elsewhere", L"Opera", L"Mine"};
   EXPECT_EQ(PluginSet(plugins), generated);
 
   // overseer's rows, one per plug-in, add up to what the worker will count.
