@@ -105,7 +105,7 @@ const Planted kPlanted[] = {
 };
 
 std::set<std::wstring> PluginSet(const std::wstring& folder) {
-  const std::vector<std::wstring> names = PluginNames(folder, false);
+  const std::vector<std::wstring> names = PluginNames(folder, nullptr);
   return {names.begin(), names.end()};
 }
 

@@ -5,6 +5,7 @@
 #include "common/unique_handle.h"
 #include "overseer/local_state.h"
 #include "overseer/report_output.h"
+#include "overseer/whole_file.h"
 #include "plugins/plugin_files.h"
 #include "plugins/plugin_format.h"
 #include "plugins/plugin_targets.h"
@@ -31,26 +32,6 @@ constexpr BrowserInstall kInstalls[] = {
 
 // A profile list is read whole; real ones are a few hundred KiB at most.
 constexpr std::uint64_t kMaxListBytes = 16u << 20;
-
-}  // namespace
-
-bool ReadWholeFile(const std::wstring& path, std::string& bytes) {
-  const scourel::UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  LARGE_INTEGER size{};
-  if (!file || !::GetFileSizeEx(file.get(), &size) || static_cast<std::uint64_t>(size.QuadPart) > kMaxListBytes) {
-    return false;
-  }
-  bytes.resize(static_cast<size_t>(size.QuadPart));
-  DWORD read = 0;
-  if (!bytes.empty() && !::ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) {
-    return false;
-  }
-  bytes.resize(read);
-  return true;
-}
-
-namespace {
 
 enum class Kind { kMissing, kFile, kFolder, kLink };
 Kind KindOf(const std::wstring& path) {
@@ -151,7 +132,7 @@ class Finder {
     std::optional<std::vector<ListedProfile>> listed;
     std::string bytes;
     std::string source = "\"Local State\"";
-    if (ReadWholeFile(folder + L"\\Local State", bytes)) {
+    if (ReadWholeFile(folder + L"\\Local State", bytes, kMaxListBytes)) {
       listed = ParseLocalState(bytes);
       if (!listed) Note(browser, "\"Local State\" holds no profile list it can read: looking for profile folders");
     }
@@ -185,7 +166,7 @@ class Finder {
 
   void Firefox(const BrowserInstall& browser, const std::wstring& folder, const std::wstring& twin) {
     std::string bytes;
-    if (!ReadWholeFile(folder + L"\\profiles.ini", bytes)) return;
+    if (!ReadWholeFile(folder + L"\\profiles.ini", bytes, kMaxListBytes)) return;
     bool any = false;
     const std::vector<scourel::IniSection> sections = scourel::ParseIni(scourel::DecodeIniBytes(bytes, CP_UTF8));
     // The profiles first, so that a profile an install entry names too keeps its own name.

@@ -35,9 +35,6 @@ struct Discovery {
   std::vector<std::string> notes;  // what was refused or passed over, and why
 };
 
-// A file read whole when it is 16 MiB at most: profile lists and plug-ins.
-bool ReadWholeFile(const std::wstring& path, std::string& bytes);
-
 // Every browser of BrowserInstalls below the user's application data.
 Discovery DiscoverBrowsers();
 

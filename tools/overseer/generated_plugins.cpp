@@ -7,6 +7,7 @@
 #include "overseer/local_state.h"
 #include "overseer/report_output.h"
 #include "overseer/running_browsers.h"
+#include "overseer/whole_file.h"
 #include "plugins/plugin_files.h"
 #include "plugins/plugin_targets.h"
 
@@ -42,7 +43,7 @@ class BuiltInPlaces {
  public:
   BuiltInPlaces() {
     TaskTotals totals;
-    const TaskContext context{totals, SystemShredIo(), nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
+    const TaskContext context{totals, SystemCleanerIo(), nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
     const std::wstring local = LocalAppData(), roaming = RoamingAppData(), firefox = FirefoxProfileName();
     const std::wstring extra = SearchesExtraChromeProfile(SystemVersion()) ? FindExtraChromeProfile(context) : L"";
     const bool firefoxUsable = IsUsableProfileName(firefox);
@@ -216,7 +217,7 @@ std::wstring GeneratedPluginText(const PluginDefinition& definition) {
 
 bool IsGeneratedPlugin(const std::wstring& pluginsFolder, const std::wstring& name) {
   std::string bytes;
-  if (!ReadWholeFile(pluginsFolder + L"\\" + name + L".cv", bytes)) return false;
+  if (!ReadWholeFile(pluginsFolder + L"\\" + name + L".cv", bytes, kMaxPluginFileBytes)) return false;
   for (const IniSection& section : ParseIni(DecodeIniBytes(bytes, CP_ACP))) {
     if (!SameName(section.name, L"Info")) continue;
     for (const IniEntry& entry : section.entries) {
@@ -246,7 +247,7 @@ PluginCommandResult WriteBrowserPlugins(const std::wstring& pluginsFolder,
 
   ::CreateDirectoryW(pluginsFolder.c_str(), nullptr);
   std::vector<std::wstring> ours, foreign;
-  for (const std::wstring& name : PluginNames(pluginsFolder, false)) {
+  for (const std::wstring& name : PluginNames(pluginsFolder, nullptr)) {
     (IsGeneratedPlugin(pluginsFolder, name) ? ours : foreign).push_back(name);
   }
   auto among = [](const std::vector<std::wstring>& names, const std::wstring& name) {
@@ -264,12 +265,7 @@ PluginCommandResult WriteBrowserPlugins(const std::wstring& pluginsFolder,
     }
     const std::wstring path = pluginsFolder + L"\\" + name + L".cv";
     ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-    const std::string bytes = EncodeUtf16Le(GeneratedPluginText(plugin.definition));
-    const UniqueHandleKernel file(
-        ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    DWORD done = 0;
-    if (!file || !::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr) ||
-        done != bytes.size()) {
+    if (!WriteWholeFile(path, EncodeUtf16Le(GeneratedPluginText(plugin.definition)))) {
       result.exitCode = 1;
       result.error = "cannot write " + Utf8(path);
       return result;

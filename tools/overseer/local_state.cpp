@@ -6,18 +6,11 @@
 #include <nlohmann/json.hpp>
 
 #include "common/win.h"
+#include "plugins/plugin_format.h"
 
 namespace overseer {
 
-std::wstring FromUtf8(std::string_view text) {
-  if (text.empty()) return {};
-  const int size = static_cast<int>(text.size());
-  const int length = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
-  if (length <= 0) return {};
-  std::wstring wide(static_cast<size_t>(length), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), length);
-  return wide;
-}
+std::wstring FromUtf8(std::string_view text) { return scourel::DecodeIniBytes(text, CP_UTF8); }
 
 std::optional<std::vector<ListedProfile>> ParseLocalState(std::string_view bytes) {
   const nlohmann::json document = nlohmann::json::parse(bytes.begin(), bytes.end(), nullptr, false);

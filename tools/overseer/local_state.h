@@ -19,7 +19,8 @@ struct ListedProfile {
 // object. Entries that are not objects still list their folder.
 std::optional<std::vector<ListedProfile>> ParseLocalState(std::string_view bytes);
 
-// Text from UTF-8; invalid sequences become U+FFFD.
+// Text from UTF-8 (a leading byte-order mark dropped); invalid sequences
+// become U+FFFD.
 std::wstring FromUtf8(std::string_view text);
 
 }  // namespace overseer

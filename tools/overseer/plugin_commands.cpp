@@ -2,6 +2,7 @@
 
 #include "common/unique_handle.h"
 #include "overseer/report_output.h"
+#include "overseer/whole_file.h"
 #include "plugins/plugin_files.h"
 #include "plugins/rules_import.h"
 
@@ -22,29 +23,6 @@ std::string Line(std::string_view label, const std::string& text) {
   std::string line(label);
   line.resize(std::max<size_t>(line.size() + 1, 10), ' ');
   return line + text + "\n";
-}
-
-bool ReadWhole(const std::wstring& path, std::string& bytes) {
-  const UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                              FILE_ATTRIBUTE_NORMAL, nullptr));
-  LARGE_INTEGER size{};
-  // Rules files run to a few MiB; anything past 64 MiB is not one.
-  if (!file || !::GetFileSizeEx(file.get(), &size) || size.QuadPart > (64 << 20)) return false;
-  bytes.resize(static_cast<size_t>(size.QuadPart));
-  DWORD read = 0;
-  if (!bytes.empty() && !::ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) {
-    return false;
-  }
-  bytes.resize(read);
-  return true;
-}
-
-bool WriteWhole(const std::wstring& path, const std::string& bytes) {
-  const UniqueHandleKernel file(
-      ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  DWORD written = 0;
-  return file && ::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-         written == bytes.size();
 }
 
 }  // namespace
@@ -84,7 +62,8 @@ PluginCommandResult ListPluginFiles(const std::wstring& pluginsFolder) {
 PluginCommandResult ImportRulesFile(const std::wstring& rulesFile, const std::wstring& pluginsFolder) {
   PluginCommandResult result;
   std::string bytes;
-  if (!ReadWhole(rulesFile, bytes)) return {1, "", "cannot read " + Utf8(rulesFile)};
+  // Rules files run to a few MiB; anything past 64 MiB is not one.
+  if (!ReadWholeFile(rulesFile, bytes, 64u << 20)) return {1, "", "cannot read " + Utf8(rulesFile)};
   ::CreateDirectoryW(pluginsFolder.c_str(), nullptr);
   result.out = Line("import", Utf8(rulesFile) + " -> " + Utf8(pluginsFolder));
   // Rules files are UTF-8 when they carry no byte-order mark.
@@ -94,7 +73,7 @@ PluginCommandResult ImportRulesFile(const std::wstring& rulesFile, const std::ws
     result.out += Line("section", Utf8(section.name));
     for (const ImportedPlugin& plugin : section.plugins) {
       const std::wstring path = pluginsFolder + L"\\" + plugin.fileName + L".cv";
-      if (!WriteWhole(path, EncodeUtf16Le(PluginText(plugin.definition)))) {
+      if (!WriteWholeFile(path, EncodeUtf16Le(PluginText(plugin.definition)))) {
         return {1, result.out, "cannot write " + Utf8(path)};
       }
       ++written;

@@ -13,11 +13,11 @@ std::optional<std::vector<PluginRow>> MeasurePluginRows(const Options& options, 
   if (options.verb != Verb::kScan || !root) return std::nullopt;
   const std::wstring folder = scourel::PluginsFolder(*root);
   std::vector<PluginRow> rows;
-  for (const std::wstring& name : scourel::PluginNames(folder, false)) {
+  for (const std::wstring& name : scourel::PluginNames(folder, nullptr)) {
     const scourel::LoadedPlugin plugin = scourel::LoadPlugin(folder, name);
     scourel::TaskTotals totals;
     if (plugin.status == scourel::LoadStatus::kRead) {
-      const scourel::TaskContext context{totals, scourel::SystemShredIo(), nullptr, 0, scourel::Mode::kMeasure,
+      const scourel::TaskContext context{totals, scourel::SystemCleanerIo(), nullptr, 0, scourel::Mode::kMeasure,
                                          nullptr, *root, L""};
       scourel::RunPlugin(context, plugin.definition);
     }
