@@ -68,15 +68,6 @@ bool IsDrivePath(std::wstring_view path) {
          (path[2] == L'\\' || path[2] == L'/');
 }
 
-// "folder\rest" when the path lies below the folder, else nothing.
-std::optional<std::wstring> Below(const std::wstring& path, const std::wstring& folder) {
-  if (folder.empty() || path.size() <= folder.size() + 1 || path[folder.size()] != L'\\' ||
-      !scourel::SamePath(std::wstring_view(path).substr(0, folder.size()), folder)) {
-    return std::nullopt;
-  }
-  return path.substr(folder.size() + 1);
-}
-
 class Finder {
  public:
   Finder() : local_(scourel::LocalAppData()), roaming_(scourel::RoamingAppData()) {
@@ -242,6 +233,14 @@ class Finder {
 };
 
 }  // namespace
+
+std::optional<std::wstring> Below(const std::wstring& path, const std::wstring& folder) {
+  if (folder.empty() || path.size() <= folder.size() + 1 || path[folder.size()] != L'\\' ||
+      !scourel::SamePath(std::wstring_view(path).substr(0, folder.size()), folder)) {
+    return std::nullopt;
+  }
+  return path.substr(folder.size() + 1);
+}
 
 std::span<const BrowserInstall> BrowserInstalls() { return kInstalls; }
 

@@ -5,6 +5,7 @@
 // line saying why.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -34,6 +35,9 @@ struct Discovery {
   std::vector<BrowserProfile> profiles;
   std::vector<std::string> notes;  // what was refused or passed over, and why
 };
+
+// "rest" when the path is "folder\rest", compared without case; else nothing.
+std::optional<std::wstring> Below(const std::wstring& path, const std::wstring& folder);
 
 // Every browser of BrowserInstalls below the user's application data.
 Discovery DiscoverBrowsers();

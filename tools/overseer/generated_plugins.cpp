@@ -18,14 +18,6 @@ namespace {
 using namespace scourel;
 namespace p = scourel::protocol;
 
-std::optional<std::wstring> Below(const std::wstring& path, const std::wstring& folder) {
-  if (folder.empty() || path.size() <= folder.size() + 1 || path[folder.size()] != L'\\' ||
-      !SamePath(std::wstring_view(path).substr(0, folder.size()), folder)) {
-    return std::nullopt;
-  }
-  return path.substr(folder.size() + 1);
-}
-
 bool AtOrBelow(const std::wstring& path, const std::wstring& folder) {
   return SamePath(path, folder) || Below(path, folder).has_value();
 }
