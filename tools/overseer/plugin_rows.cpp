@@ -33,7 +33,7 @@ std::string PluginRowsTable(const std::vector<PluginRow>& rows) {
     name.resize(std::max<size_t>(name.size() + 1, 40), ' ');
     out += "          " + name + std::to_string(row.count) + " " + Utf8(scourel::SizeText(row.bytes)) + "\n";
   }
-  return out;
+  return rows.empty() ? out + "          none\n" : out;
 }
 
 std::string PluginRowsJson(const std::vector<PluginRow>& rows) {
