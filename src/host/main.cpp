@@ -8,6 +8,7 @@
 #include "host/worker_state.h"
 #include "protocol/messages.h"
 #include "task/task_totals.h"
+#include "wipe/wipe_marker.h"
 
 using namespace scourel;
 
@@ -41,6 +42,9 @@ int wmain(int argc, wchar_t** argv) {
 
   g_modeArgument = argc > 1 ? argv[1] : L"";
 
+  // A free-space wipe cut short by a kill or a power cut left its fill behind.
+  CleanUpInterruptedWipe();
+
   // There is no application framework to initialise; the module handle is
   // the one thing start-up needs, and its loss is reported as before.
   if (!::GetModuleHandleW(nullptr)) {
@@ -48,7 +52,7 @@ int wmain(int argc, wchar_t** argv) {
     result = 1;
   }
 
-  (void)window.Create([](HWND, UINT message, WPARAM, LPARAM) { return HandleCommand(message); });
+  (void)window.Create([](HWND, UINT message, WPARAM wParam, LPARAM) { return HandleCommand(message, wParam); });
   g_commandWindow = window.get();
   ::ShowWindow(g_commandWindow, SW_SHOWNORMAL);
   ::UpdateWindow(g_commandWindow);

@@ -40,9 +40,26 @@ unsigned long __stdcall TaskThread::Run(void* parameter) {
   return 0;
 }
 
-void StartTask(Slot slot, TaskBody body) {
+bool TaskThread::WaitForEnd(DWORD ms) const {
+  const ULONGLONG end = ::GetTickCount64() + ms;
+  for (;;) {
+    const ULONGLONG now = ::GetTickCount64();
+    if (now >= end) return false;
+    const HANDLE handle = handle_.get();
+    const DWORD result =
+        ::MsgWaitForMultipleObjects(1, &handle, FALSE, static_cast<DWORD>(end - now), QS_SENDMESSAGE);
+    if (result == WAIT_OBJECT_0) return true;
+    if (result != WAIT_OBJECT_0 + 1) return false;
+    MSG message;
+    // Handles the sent messages only; posted ones wait for the message loop.
+    ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+  }
+}
+
+void StartTask(Slot slot, TaskBody body, std::uintptr_t argument) {
   auto thread = std::make_unique<TaskThread>(slot);
   thread->body_ = body;
+  thread->argument_ = argument;
   thread->handle_.reset(::CreateThread(nullptr, 0, TaskThread::Run, thread.get(), CREATE_SUSPENDED, nullptr));
   if (!thread->handle_) return;
   TaskThread* started = thread.release();

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 
 #include "common/stop_flag.h"
 #include "common/unique_handle.h"
@@ -24,6 +25,11 @@ class TaskThread {
   explicit TaskThread(Slot slot) : slot_(slot) {}
 
   Slot slot() const { return slot_; }
+  // What the start command carried in wParam.
+  std::uintptr_t argument() const { return argument_; }
+  // Waits up to `ms` for the thread to end, handling messages sent to this
+  // thread's windows meanwhile (the task may be sending to them).
+  bool WaitForEnd(DWORD ms) const;
   const StopFlag& stop() const { return stop_; }
   bool stopped() const { return stop_.raised(); }
 
@@ -37,7 +43,7 @@ class TaskThread {
   TaskThread* TakeLaterRecord();
 
  private:
-  friend void StartTask(Slot, void (*)(TaskThread&));
+  friend void StartTask(Slot, void (*)(TaskThread&), std::uintptr_t);
   friend bool StopSlot(Slot);
   friend TaskThread* TakeSlot(Slot);
   friend void ReleaseTakenSlot(TaskThread*);
@@ -48,6 +54,7 @@ class TaskThread {
   StopFlag stop_;
   UniqueHandleKernel handle_;
   void (*body_)(TaskThread&) = nullptr;
+  std::uintptr_t argument_ = 0;
   std::atomic<int> claims_{2};
 };
 
@@ -55,7 +62,7 @@ using TaskBody = void (*)(TaskThread& thread);
 
 // Starts body on a new thread in the slot. The thread is created suspended
 // and resumed once the slot holds it, so a quick task always finds itself there.
-void StartTask(Slot slot, TaskBody body);
+void StartTask(Slot slot, TaskBody body, std::uintptr_t argument = 0);
 
 // A stop command: when the slot holds a record, takes it out, raises its stop
 // flag and returns true; the caller then reports. An empty slot gives false.

@@ -19,6 +19,8 @@
 #include "windows_traces/junk_files.h"
 #include "windows_traces/pc_traces.h"
 #include "windows_traces/recycle_bin.h"
+#include "wipe/free_space_wipe.h"
+#include "wipe/volume_facts.h"
 
 namespace scourel {
 
@@ -238,6 +240,25 @@ void FullScanTask(TaskThread& thread) {
   thread.LeaveSlot();
 }
 
+// Wipes the free space of the drive whose letter the start command carried.
+// A stopped wipe removes its fill before it leaves, and sends nothing.
+void FreeSpaceWipeTask(TaskThread& thread) {
+  const auto argument = thread.argument();
+  const std::optional<wchar_t> letter =
+      argument > 0 && argument < 128 ? DriveLetterOf(std::wstring(1, static_cast<wchar_t>(argument))) : std::nullopt;
+  FreeSpaceReport report;
+  if (letter) {
+    CFreeSpaceWipe wipe(&thread.stop(), g_commandWindow, [&thread](std::uint8_t percent, std::uint64_t bytes) {
+      DeliverMessage(kFreeSpaceProgress, Delivery::kPost, percent, static_cast<LPARAM>(bytes), &thread);
+    });
+    report = wipe.Wipe(*letter, Settings().ReadWipeAlgorithm());
+  } else {
+    report.status = L"no drive";
+    report.solidState = L"unknown";
+  }
+  if (SendTotalsRecord(kFreeSpaceDone, [&] { return FreeSpaceDoneText(report); }, &thread)) thread.LeaveSlot();
+}
+
 // The body of each task, in the order of Task, for each command set; null
 // where the set has none.
 constexpr TaskBody kBodies[kTaskCount][2] = {
@@ -250,13 +271,20 @@ constexpr TaskBody kBodies[kTaskCount][2] = {
     {RegistryFixTask<kFirstSet>, RegistryFixTask<kSecondSet>},
     {nullptr, nullptr},  // the file-extension fix runs on the main thread
     {FullScanTask, nullptr},
+    {FreeSpaceWipeTask, nullptr},
 };
 
-void RunCommand(const CommandMatch& match) {
+// How long a stop of the free-space wipe waits for its fill to be removed
+// before it answers all the same.
+constexpr DWORD kFillRemovalWaitMs = 60'000;
+
+void RunCommand(const CommandMatch& match, WPARAM wParam) {
   const TaskSpec& spec = *match.spec;
   if (match.stop) {
     // The stop handler reports the totals so far; an empty slot answers nothing.
     if (TaskThread* stopped = TakeSlot(spec.slot)) {
+      // A stopped wipe answers once the volume is as it was: no fill left.
+      if (spec.slot == Slot::kFreeSpace) stopped->WaitForEnd(kFillRemovalWaitMs);
       DeliverTaskReply(spec, match.commands().stopped, nullptr);
       ReleaseTakenSlot(stopped);
     }
@@ -269,17 +297,17 @@ void RunCommand(const CommandMatch& match) {
     DeliverTaskReply(spec, match.commands().done, nullptr);
     return;
   }
-  StartTask(spec.slot, kBodies[static_cast<int>(spec.task)][match.set]);
+  StartTask(spec.slot, kBodies[static_cast<int>(spec.task)][match.set], wParam);
 }
 
 }  // namespace
 
-std::optional<LRESULT> HandleCommand(UINT message) {
+std::optional<LRESULT> HandleCommand(UINT message, WPARAM wParam) {
   if (message == WM_CLOSE) EndWorker();  // nothing is stopped or saved first
   if (message == kIgnoredCommand) return 0;
   const std::optional<CommandMatch> match = FindCommand(message);
   if (!match) return std::nullopt;
-  RunCommand(*match);
+  RunCommand(*match, wParam);
   return 0;
 }
 

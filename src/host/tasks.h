@@ -11,6 +11,6 @@ namespace scourel {
 // The command window's handling of a message: WM_CLOSE ends the process, a
 // command of the table starts or stops its task (0), anything else is left
 // to DefWindowProcW (nullopt).
-std::optional<LRESULT> HandleCommand(UINT message);
+std::optional<LRESULT> HandleCommand(UINT message, WPARAM wParam = 0);
 
 }  // namespace scourel

@@ -19,6 +19,10 @@ inline constexpr unsigned kBrowserProgress = 2083;
 // Sent by the shredder to the worker's own window while a wipe reports progress.
 inline constexpr unsigned kWipeProgress = 1036;
 
+// Posted by the free-space wipe: wParam the percentage filled, lParam the
+// bytes filled so far.
+inline constexpr unsigned kFreeSpaceProgress = 2091;
+
 // WM_COPYDATA kinds (COPYDATASTRUCT::dwData).
 enum CopyDataKind : unsigned {
   kScanJunkFiles = 101,
@@ -34,6 +38,7 @@ enum CopyDataKind : unsigned {
   kPcTracesStopped = 304,
   kBrowserDone = 305,
   kBrowserStopped = 306,
+  kFreeSpaceDone = 307,
 };
 
 inline constexpr std::uint32_t kShortRecordBytes = 522;   // 261 wide characters
@@ -62,6 +67,7 @@ inline constexpr wchar_t kSepPcTraces[] = L"\\pc";
 inline constexpr wchar_t kSepBrowser[] = L"\\is";
 inline constexpr wchar_t kSepPlugins[] = L"\\pss";
 inline constexpr wchar_t kSepRegistry[] = L"\\cv";
+inline constexpr wchar_t kSepFreeSpace[] = L"\\fw";
 inline constexpr wchar_t kScanCompletedText[] = L"Scanning Completed";
 
 

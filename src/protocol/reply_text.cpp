@@ -74,6 +74,14 @@ std::wstring RegistryScanText(const std::array<std::int32_t, protocol::kRegistry
 
 std::wstring ExtensionScanText(std::int32_t count) { return Format(L"%d", count); }
 
+std::wstring FreeSpaceDoneText(const FreeSpaceReport& r) {
+  const wchar_t* sep = protocol::kSepFreeSpace;
+  return Format(L"%ls%ls%llu%ls%lu%ls%lu%ls%ls%ls%ls%ls%ls%ls%ls", r.status.c_str(), sep,
+                static_cast<unsigned long long>(r.bytesFilled), sep, static_cast<unsigned long>(r.fillFiles), sep,
+                static_cast<unsigned long>(r.folderFiles), sep, r.recordStep ? L"done" : L"skipped", sep,
+                r.trimIssued ? L"issued" : L"not issued", sep, r.solidState.c_str(), sep, r.fileSystem.c_str());
+}
+
 std::wstring PcTracesDoneText(const PcCounters& c) {
   return Format(L"%d%ls %d%ls %d%ls %d%ls %d%ls %d%ls %d", c[0], kSepPcTraces, c[1], kSepPcTraces, c[2],
                 kSepPcTraces, c[3], kSepPcTraces, c[4], kSepPcTraces, c[5], kSepPcTraces, c[6]);

@@ -30,6 +30,19 @@ std::wstring ExtensionScanText(std::int32_t count);                             
 std::wstring PcTracesDoneText(const PcCounters& counters);                         // 303
 std::wstring PcTracesStoppedText(const PcCounters& counters);                      // 304
 
+// 307: what a free-space wipe did, its fields joined by "\fw".
+struct FreeSpaceReport {
+  std::wstring status;          // done, full, no drive, cannot write
+  std::uint64_t bytesFilled = 0;
+  std::uint32_t fillFiles = 0;
+  std::uint32_t folderFiles = 0;  // small files the record step made
+  bool recordStep = false;        // false where the file system is not NTFS
+  bool trimIssued = false;
+  std::wstring solidState;        // yes, no, unknown
+  std::wstring fileSystem;        // as the volume names it; empty when unknown
+};
+std::wstring FreeSpaceDoneText(const FreeSpaceReport& report);
+
 // The bytes that travel in a copy-data record: a buffer of twice cbData bytes
 // whose first cbData bytes hold the text, cut to fit and zero-padded.
 std::vector<std::uint8_t> CopyDataBuffer(const std::wstring& text, std::uint32_t cbData);

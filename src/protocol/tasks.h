@@ -22,9 +22,10 @@ enum class Slot : int {
   kRecycleBin,
   kPluginClean,
   kFullScan,
+  kFreeSpace,
   kMainThread,
 };
-inline constexpr int kSlotCount = 8;
+inline constexpr int kSlotCount = 9;
 
 // In the order overseer lists them.
 enum class Task : int {
@@ -37,8 +38,9 @@ enum class Task : int {
   kRegistryFix,
   kExtensionFix,
   kFullScan,
+  kFreeSpaceWipe,
 };
-inline constexpr int kTaskCount = 9;
+inline constexpr int kTaskCount = 10;
 
 enum class Delivery : unsigned char { kSend, kPost };
 
@@ -126,6 +128,10 @@ inline constexpr TaskSpec kTasks[kTaskCount] = {
       {2067, 0, detail::Numeric(2068, Payload::kWorkerWindow), {}}}},
     // Reports by copy-data only (kFullScanReplies); its stop answers nothing.
     {Task::kFullScan, Slot::kFullScan, "scan", "scan", "scan", "done", "", {{2087, 2088, {}, {}}, {}}},
+    // Takes the drive letter as wParam and posts kFreeSpaceProgress while it
+    // fills; its stop answers once the fill files are gone.
+    {Task::kFreeSpaceWipe, Slot::kFreeSpace, "wipe", "free", "free-space wipe", "done", "",
+     {{2089, 2090, detail::Record(kFreeSpaceDone), detail::Numeric(2090, Payload::kWorkerWindow)}, {}}},
 };
 
 // The full scan's records, in the order they are sent.

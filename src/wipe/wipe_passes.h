@@ -46,6 +46,7 @@ class CEraserJunkData {
   void ReleaseRandomKey() { random_.Release(); }
 
   CDisk volume_;  // cluster geometry of the file being wiped
+  CDisk wipedVolume_;  // the volume whose free space is being wiped
 
  private:
   PassNode& PushPass();

@@ -49,6 +49,7 @@ std::vector<const p::TaskSpec*> TargetsOf(Verb verb) {
   for (const p::TaskSpec& spec : p::kTasks) {
     const bool wanted = verb == Verb::kStop    ? spec.sets[p::kFirstSet].stop != 0
                         : verb == Verb::kClean ? spec.command == "clean"
+                        : verb == Verb::kWipe  ? spec.command == "wipe"
                                                : spec.command == "fix";
     if (wanted) targets.push_back(&spec);
   }
@@ -107,6 +108,11 @@ std::string CommandName(Verb verb, const p::TaskSpec* task) {
       return "settings";
     case Verb::kPlugins:
       return "plugins";
+    case Verb::kShred:
+      return "shred";
+    case Verb::kWipe:
+      verbName = "wipe";
+      break;
     case Verb::kClean:
       verbName = "clean";
       break;
@@ -202,7 +208,8 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     }
   }
 
-  constexpr std::string_view kCommands = "valid commands are scan, clean, fix, stop, close, settings, plugins";
+  constexpr std::string_view kCommands =
+      "valid commands are scan, clean, fix, stop, close, settings, plugins, wipe, shred";
   if (words.empty()) return refuse("no command given: " + std::string(kCommands));
   const std::string& verb = words[0];
   auto needTarget = [&](Verb v) -> std::optional<std::string> {
@@ -234,6 +241,16 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     }
     if (options.pluginImport && words.size() < 3) return refuse("plugins import needs a rules file");
     if (options.pluginImport) options.rulesFile = wideWords[2];
+  } else if (verb == "wipe") {
+    targetError = needTarget(Verb::kWipe);
+    if (!targetError && words.size() < 3) targetError = "wipe free needs a drive, such as D:";
+    if (!targetError) options.drive = wideWords[2];
+    used = 3;
+  } else if (verb == "shred") {
+    options.verb = Verb::kShred;
+    if (words.size() < 2) return refuse("shred needs at least one file or folder");
+    options.paths.assign(wideWords.begin() + 1, wideWords.end());
+    used = words.size();
   } else if (verb == "clean") {
     targetError = needTarget(Verb::kClean);
     used = 2;
@@ -281,6 +298,9 @@ std::string UsageText() {
          "  plugins import FILE.ini    converts winapp2.ini-format rules into plug-ins\n"
          "  plugins browsers           writes plug-ins for every profile of today's browsers\n"
          "                             (--browser LIST: the categories they take)\n"
+         "  wipe free DRIVE            fills the drive's free space with --wipe's passes, then removes\n"
+         "                             the fill; --yes for more than three passes over 64 GiB\n"
+         "  shred PATH...              shreds files, and folders with all they hold, with --wipe's passes\n"
          "\n"
          "Options:\n"
          "  --worker PATH      scourel.exe to start (default: beside overseer.exe); a running\n"
@@ -290,7 +310,7 @@ std::string UsageText() {
          "  --timeout SECONDS  longest wait for the worker and between replies (default 300)\n"
          "  --keep-worker      leave a worker that overseer started running\n"
          "  --json             print one JSON document instead of the table\n"
-         "  --yes              let a fix delete what the worker's scan found\n"
+         "  --yes              let a fix delete what the worker's scan found, or a long wipe run\n"
          "  --backup FILE      fix: start a worker of our own, scan, and write every key the fix\n"
          "                     may delete to FILE (for reg import) before fixing\n"
          "  --wipe METHOD      " +

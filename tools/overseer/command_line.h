@@ -14,7 +14,7 @@
 
 namespace overseer {
 
-enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings, kPlugins };
+enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings, kPlugins, kWipe, kShred };
 
 // Option names of the switches, in the order of the worker's settings keys.
 // The browser and registry names double as the reply field names.
@@ -45,6 +45,8 @@ struct Options {
   bool pluginImport = false;  // plugins: import (else list)
   std::wstring rulesFile;     // plugins import: the rules file
   bool pluginBrowsers = false;  // plugins browsers: generate the browsers' plug-ins
+  std::wstring drive;         // wipe free: the drive as given
+  std::vector<std::wstring> paths;  // shred: the files and folders
 };
 
 struct ParseResult {

@@ -2,6 +2,7 @@
 
 #include "protocol/tasks.h"
 #include "overseer/reply_decoding.h"
+#include "wipe/volume_facts.h"
 
 namespace overseer {
 
@@ -18,6 +19,7 @@ std::optional<CommandPlan> PlanFor(const Options& options) {
   switch (options.verb) {
     case Verb::kSettings:
     case Verb::kPlugins:
+    case Verb::kShred:
       return std::nullopt;
     case Verb::kScan:
       plan.message = p::SpecOf(p::Task::kFullScan).sets[p::kFirstSet].start;
@@ -28,12 +30,14 @@ std::optional<CommandPlan> PlanFor(const Options& options) {
       plan.end = EndOn::kProcessExit;
       plan.needsRunningWorker = true;
       return plan;
+    case Verb::kWipe:
     case Verb::kClean:
     case Verb::kFix: {
       if (!options.task) return std::nullopt;
       const p::CommandSet& set = options.task->sets[options.secondSet ? p::kSecondSet : p::kFirstSet];
       if (!set.start) return std::nullopt;
       plan.message = set.start;
+      if (options.verb == Verb::kWipe) plan.wParam = scourel::DriveLetterOf(options.drive).value_or(0);
       plan.awaited.push_back(KeyOf(set.done));
       if (set.stopped.exists()) plan.stoppedBy.push_back(KeyOf(set.stopped));
       return plan;

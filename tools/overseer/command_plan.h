@@ -2,6 +2,7 @@
 // replies that end the wait for it.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -23,6 +24,7 @@ enum class EndOn {
 
 struct CommandPlan {
   unsigned message = 0;
+  std::uintptr_t wParam = 0;  // wipe free: the drive letter
   EndOn end = EndOn::kAwaitedReplies;
   // kAwaitedReplies: all of these. kSendReturns: the stop reply, when the
   // stopped slot was running (an empty slot answers nothing).
@@ -32,7 +34,7 @@ struct CommandPlan {
   bool needsRunningWorker = false;  // stop and close never start a worker
 };
 
-// nullopt for the settings command, which sends nothing.
+// nullopt for the commands that send nothing: settings, plugins, shred.
 std::optional<CommandPlan> PlanFor(const Options& options);
 
 }  // namespace overseer

@@ -214,7 +214,7 @@ RunOutcome ControllerSession::Run(const CommandPlan& plan, unsigned timeoutMs) {
   // SMTO_NORMAL: while this thread waits, replies the worker sends back from
   // inside its window procedure are still handled.
   DWORD_PTR result = 0;
-  if (!::SendMessageTimeoutW(worker_, plan.message, 0, 0, SMTO_NORMAL, timeoutMs, &result)) {
+  if (!::SendMessageTimeoutW(worker_, plan.message, plan.wParam, 0, SMTO_NORMAL, timeoutMs, &result)) {
     const DWORD code = ::GetLastError();
     if (code == ERROR_TIMEOUT || code == 0) {
       return {"failed",

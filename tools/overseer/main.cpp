@@ -16,6 +16,7 @@
 #include "overseer/registry_backup.h"
 #include "overseer/report_output.h"
 #include "overseer/settings_writer.h"
+#include "overseer/wipe_free.h"
 #include "plugins/plugin_files.h"
 
 using namespace overseer;
@@ -99,10 +100,25 @@ int wmain(int argc, wchar_t** argv) {
     return outcome.exitCode;
   };
 
+  // A wipe's progress is drawn as a bar on a console, a line per 10 % elsewhere.
+  DWORD consoleMode = 0;
+  WipeProgressView wipeProgress(::GetConsoleMode(::GetStdHandle(STD_OUTPUT_HANDLE), &consoleMode) != 0);
   ControllerSession session([&](const DecodedReply& reply) {
     report.replies.push_back(reply);
-    if (!options.json) Print(ReplyTable(reply));
+    if (options.json) return;
+    if (reply.id == scourel::protocol::kFreeSpaceProgress) {
+      Print(wipeProgress.Update(static_cast<unsigned>(std::stoul(reply.fields[0].value)),
+                                std::stoull(reply.fields[1].value), ::GetTickCount64()));
+      return;
+    }
+    Print(wipeProgress.Finish() + ReplyTable(reply));
   });
+  if (options.verb == Verb::kWipe) {
+    const auto letter = scourel::DriveLetterOf(options.drive);
+    if (const auto refusal = CheckWipeTarget(options, letter ? scourel::QueryVolume(*letter) : std::nullopt)) {
+      return finish(nullptr, {"refused", refusal->text, refusal->exitCode});
+    }
+  }
   std::string error;
   if (plan && !session.Open(&error)) return finish(nullptr, {"failed", error, 1});
 

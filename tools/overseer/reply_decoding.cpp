@@ -1,6 +1,9 @@
 #include "overseer/reply_decoding.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
 #include <cwchar>
 
 #include "overseer/command_line.h"
@@ -150,6 +153,36 @@ std::string TaskReplyTitle(const p::ReplyMatch& match) {
 
 Field CountField(std::string name, long long value) { return {std::move(name), std::to_wstring(value), true}; }
 
+bool OneOf(std::wstring_view piece, std::initializer_list<std::wstring_view> words) {
+  return std::find(words.begin(), words.end(), piece) != words.end();
+}
+
+// The free-space wipe's completion: status, bytes filled, fill files, files
+// the record step made, whether it ran, whether TRIM was issued, whether the
+// drive is solid-state, and the file system's name.
+bool FillFreeSpace(DecodedReply& reply) {
+  const std::vector<std::wstring_view> pieces = Split(reply.text, p::kSepFreeSpace);
+  if (pieces.size() != 8) return false;
+  if (!OneOf(pieces[0], {L"done", L"full", L"no drive", L"read-only", L"cannot write", L"stopped"})) return false;
+  for (int i = 1; i <= 3; ++i) {
+    if (!IsCount(pieces[i]) || pieces[i].front() == L'-') return false;
+  }
+  if (!OneOf(pieces[4], {L"done", L"skipped"}) || !OneOf(pieces[5], {L"issued", L"not issued"}) ||
+      !OneOf(pieces[6], {L"yes", L"no", L"unknown"})) {
+    return false;
+  }
+  reply.fields = {{"status", std::wstring(pieces[0]), false},
+                  {"bytes_filled", std::wstring(pieces[1]), true},
+                  {"size", SizeTextOfBytes(std::wcstoll(std::wstring(pieces[1]).c_str(), nullptr, 10)), false},
+                  {"fill_files", std::wstring(pieces[2]), true},
+                  {"record_files", std::wstring(pieces[3]), true},
+                  {"record_step", std::wstring(pieces[4]), false},
+                  {"trim", std::wstring(pieces[5]), false},
+                  {"solid_state", std::wstring(pieces[6]), false},
+                  {"file_system", std::wstring(pieces[7]), false}};
+  return true;
+}
+
 }  // namespace
 
 std::wstring SizeTextOfBytes(std::int64_t bytes) {
@@ -225,6 +258,10 @@ DecodedReply DecodeCopyData(unsigned kind, std::wstring_view text) {
       ok = Split(reply.text, p::kSepPcTraces).size() > 5 && Fill(reply, p::kSepPcTraces, firstFive, true);
       break;
     }
+    case p::kFreeSpaceDone:
+      reply.title = TaskReplyTitle(*p::FindReply(kCopyDataMessage, kind));
+      ok = FillFreeSpace(reply);
+      break;
     default:
       reply.title = "unknown copy-data kind";
       break;
@@ -249,6 +286,13 @@ DecodedReply DecodeMessage(unsigned id, std::uintptr_t wParam, std::intptr_t lPa
     reply.fields.push_back({"done", std::wstring(step.begin(), step.end()), false});
     return reply;
   }
+  if (id == p::kFreeSpaceProgress) {
+    reply.title = std::string(p::SpecOf(p::Task::kFreeSpaceWipe).title) + " progress";
+    reply.progress = true;
+    reply.fields.push_back(CountField("percent", static_cast<long long>(wParam)));
+    reply.fields.push_back(CountField("bytes_filled", bytes));
+    return reply;
+  }
   const std::optional<p::ReplyMatch> match = p::FindReply(id);
   if (!match) {
     reply.title = "unknown message";
@@ -268,6 +312,7 @@ DecodedReply DecodeMessage(unsigned id, std::uintptr_t wParam, std::intptr_t lPa
 
 bool IsWorkerReply(unsigned id) {
   return id == kCopyDataMessage || id == p::kPcTracesProgress || id == p::kBrowserProgress ||
+         id == p::kFreeSpaceProgress ||
          p::FindReply(id).has_value();
 }
 

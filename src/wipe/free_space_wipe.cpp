@@ -1,0 +1,179 @@
+#include "wipe/free_space_wipe.h"
+
+#include <algorithm>
+
+#include "wipe/fill_names.h"
+#include "wipe/freed_records.h"
+#include "wipe/shred_io.h"
+#include "wipe/solid_state.h"
+#include "wipe/volume_facts.h"
+#include "wipe/wipe_marker.h"
+#include "wipe/wipe_progress.h"
+
+namespace scourel {
+
+namespace {
+
+bool SeekTo(HANDLE file, std::uint64_t offset) {
+  LARGE_INTEGER distance{};
+  distance.QuadPart = static_cast<LONGLONG>(offset);
+  return ::SetFilePointerEx(file, distance, nullptr, FILE_BEGIN) != 0;
+}
+
+bool WriteAll(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) {
+  DWORD written = 0;
+  return ::WriteFile(file, bytes, length, &written, nullptr) && written == length;
+}
+
+}  // namespace
+
+FreeSpaceReport CFreeSpaceWipe::Wipe(wchar_t letter, std::uint32_t method) {
+  FreeSpaceReport report;
+  report.solidState = AnswerText(Answer::kUnknown);
+  const std::optional<VolumeFacts> facts = QueryVolume(letter);
+  if (!facts) {
+    report.status = L"no drive";
+    return report;
+  }
+  report.fileSystem = facts->fileSystem;
+  if (facts->readOnly()) {
+    report.status = L"read-only";
+    return report;
+  }
+  const std::wstring drive{letter, L':'};
+  (void)SystemShredIo().DiskFreeSpace(drive, &wipedVolume_.sectorsPerCluster, &wipedVolume_.bytesPerSector);
+  (void)SystemShredIo().OpenVolume(drive, wipedVolume_.handle);
+  const DriveKind kind = QueryDriveKind(wipedVolume_.handle.get());
+  report.solidState = AnswerText(kind.solidState());
+  const std::uint32_t cluster = std::max<std::uint32_t>(facts->clusterBytes, 512);
+  // A method the table does not know would write nothing and never fill.
+  if (PassCount(method) == 0) method = 0;
+
+  // Fill names left by anything before are ours, and would be counted as used space.
+  RemoveFillLeftovers(letter);
+  freeAtStart_ = FreeBytesOf(letter);
+  if (freeAtStart_ < cluster) {
+    report.status = L"full";
+    return report;
+  }
+  if (Raised(stop_)) {
+    report.status = L"stopped";
+    return report;
+  }
+  if (!RecordWipedDrive(letter)) {
+    report.status = L"cannot write";
+    return report;
+  }
+  g_wipeProgressMode.set(true);
+  Report(true);
+  // The fill folder's entry goes in before the volume is full: on a full
+  // volume the root's index may have no room left to grow.
+  const bool records = facts->ntfs() && ::CreateDirectoryW(FillFolderPath(letter).c_str(), nullptr);
+  FreedRecordFiller filler(FillFolderPath(letter), recordBytes_, stop_);
+  if (records) filler.Prepare(FreeBytesOf(letter));
+
+  const std::uint64_t fileLimit = facts->fat() ? kFatFileLimit : std::uint64_t{1} << 40;
+  if (!FillFiles(letter, fileLimit, UINT64_MAX, cluster, method)) report.status = L"cannot write";
+  // With no cluster free the record table cannot grow: every record the
+  // record step gets is a freed one.
+  if (!Raised(stop_) && report.status.empty() && records) {
+    report.recordStep = true;
+    filler.Run();
+    report.folderFiles = filler.made();
+  }
+  report.fillFiles = static_cast<std::uint32_t>(files_.size());
+  report.bytesFilled = filled_;
+  RemoveFill(letter, report, kind.trimWorthIssuing() && !Raised(stop_));
+  if (report.status.empty()) report.status = Raised(stop_) ? L"stopped" : L"done";
+  if (report.status == L"done") {
+    lastPercent_ = -1;
+    filled_ = std::max(filled_, freeAtStart_);
+    Report(true);
+  }
+  g_wipeProgressMode.set(false);
+  return report;
+}
+
+bool CFreeSpaceWipe::FillFiles(wchar_t letter, std::uint64_t fileLimit, std::uint64_t total, std::uint32_t cluster,
+                               std::uint32_t method) {
+  for (Filled filled = Filled::kLimit; filled == Filled::kLimit && filled_ < total;) {
+    FillFile_ fill;
+    fill.path = FillFilePath(letter, static_cast<std::uint32_t>(files_.size()));
+    fill.handle.reset(::CreateFileW(fill.path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!fill.handle) {
+      const DWORD error = ::GetLastError();
+      return !files_.empty() || error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL;
+    }
+    const std::uint64_t room = total - filled_;
+    const std::uint64_t limit = std::min(fileLimit, room);
+    filled = FillFile(fill.handle.get(), limit, cluster, method, &fill.size);
+    // A file that reached its limit goes on in the next; one that reached
+    // the total ends this part.
+    if (filled == Filled::kLimit && limit < fileLimit) filled = Filled::kVolumeFull;
+    // Flushed, so that what the volume reports full is on the disk.
+    ::FlushFileBuffers(fill.handle.get());
+    files_.push_back(std::move(fill));
+    Report(true);
+  }
+  return true;
+}
+
+CFreeSpaceWipe::Filled CFreeSpaceWipe::FillFile(HANDLE file, std::uint64_t limit, std::uint32_t cluster,
+                                                std::uint32_t method, std::uint64_t* size) {
+  const std::uint32_t passes = PassCount(method);
+  const std::uint32_t chunk = std::max(kChunkBytes / cluster, 1u) * cluster;
+  std::uint32_t unit = chunk;
+  std::uint64_t offset = 0;
+  while (offset < limit) {
+    if (Raised(stop_)) return Filled::kStopped;
+    const auto length = static_cast<std::uint32_t>(std::min<std::uint64_t>(unit, limit - offset));
+    BuildPasses(method, length + 2);
+    bool written = true;
+    for (std::uint32_t pass = 0; pass < passes && written; ++pass) {
+      written = head() != nullptr && SeekTo(file, offset) && WriteAll(file, head()->bytes.get(), length);
+      PopPass();
+    }
+    while (head() != nullptr) PopPass();
+    if (!written) {
+      // The volume had less room than this unit: give back what part of it
+      // was taken and try again with half, down to one cluster.
+      (void)SeekTo(file, offset);
+      ::SetEndOfFile(file);
+      if (unit <= cluster) {
+        *size = offset;
+        return Filled::kVolumeFull;
+      }
+      unit = std::max(unit / 2 / cluster, 1u) * cluster;
+      continue;
+    }
+    offset += length;
+    filled_ += length;
+    Report(false);
+  }
+  *size = offset;
+  return Filled::kLimit;
+}
+
+void CFreeSpaceWipe::Report(bool force) {
+  const std::uint8_t percent = std::min<std::uint8_t>(WipePercent(filled_, freeAtStart_), 100);
+  if (!force && percent == lastPercent_) return;
+  lastPercent_ = percent;
+  ReportWipeProgress(percent, window_);
+  if (progress_) progress_(percent, filled_);
+}
+
+void CFreeSpaceWipe::RemoveFill(wchar_t letter, FreeSpaceReport& report, bool trim) {
+  RemoveFolderTree(L"\\\\?\\" + FillFolderPath(letter));
+  for (FillFile_& fill : files_) {
+    if (trim && fill.size > 0 && TrimFile(fill.handle.get(), fill.size)) report.trimIssued = true;
+    fill.handle.reset();
+    ::DeleteFileW(fill.path.c_str());
+  }
+  files_.clear();
+  // Whatever a failed delete left, by name.
+  RemoveFillLeftovers(letter);
+  ClearWipedDrive();
+}
+
+}  // namespace scourel
