@@ -238,7 +238,7 @@ bool Storm::Open() {
 }
 
 std::optional<LRESULT> Storm::Receive(UINT message, WPARAM wParam, LPARAM lParam) {
-  const bool reply = message == WM_COPYDATA || (message >= 2034 && message <= 2088);
+  const bool reply = message == WM_COPYDATA || (message >= 2034 && message <= 2090);
   if (!reply) return std::nullopt;
   Arrival arrival;
   arrival.id = message;

@@ -64,6 +64,9 @@ std::vector<CommandCase> StartCases() {
       {"recycle bin", 2052, {Sent(2053, Param::kAny, false)}},
       {"recycle bin 2", 2076, {Sent(2077, Param::kAny, false)}},
       {"plugin clean", 2055, {Posted(2056)}},
+      // wParam 0 names no drive: nothing is written.
+      {"free-space wipe", 2089,
+       {Copy(307, Param::kWorker, L"no drive\\\\fw0\\\\fw0\\\\fw0\\\\fwskipped\\\\fwnot issued\\\\fwunknown\\\\fw")}},
       {"full scan",
        2087,
        {Copy(101, Param::kController, N L"\\\\j" SIZE L"\\\\j" N),

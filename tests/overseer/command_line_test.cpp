@@ -49,6 +49,8 @@ TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
       {L"stop plugins --second-set", 2081, EndOn::kSendReturns, Msg(2081), {}},
       {L"stop scan", 2088, EndOn::kSendReturns, {}, {}},
       {L"close", 16, EndOn::kProcessExit, {}, {}},
+      {L"--wipe dod7 wipe free e:", 2089, EndOn::kAwaitedReplies, Copy({307}), Msg(2090)},
+      {L"stop free", 2090, EndOn::kSendReturns, Msg(2090), {}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.line);
@@ -63,6 +65,7 @@ TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
     EXPECT_EQ(plan->needsRunningWorker, c.end != EndOn::kAwaitedReplies);
   }
   EXPECT_FALSE(PlanFor(*Parse(L"settings --wipe 3").options));  // sends nothing
+  EXPECT_EQ(PlanFor(*Parse(L"wipe free e:").options)->wParam, std::uintptr_t{L'E'});  // the drive travels in wParam
   EXPECT_TRUE(Parse(L"clean --help").help);
 }
 
@@ -98,13 +101,18 @@ TEST(OverseerCommandLineTest, ValueParsers) {
 
 TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
   const std::pair<const wchar_t*, const char*> cases[] = {  // line, part of the refusal
-      {L"", "no command given: valid commands are scan, clean, fix, stop, close, settings"},
-      {L"wipe", "unknown command \"wipe\": valid commands are scan, clean, fix, stop, close, settings"},
+      {L"", "no command given: valid commands are scan, clean, fix, stop, close, settings, plugins, wipe, shred"},
+      {L"erase", "unknown command \"erase\": valid commands are scan"},
+      {L"wipe", "wipe needs a target: valid targets are free"},
+      {L"wipe free", "wipe free needs a drive, such as D:"},
+      {L"wipe free d: e:", "unexpected argument \"e:\" after wipe free"},
+      {L"--second-set wipe free d:", "--second-set does not apply to wipe"},
+      {L"shred", "shred needs at least one file or folder"},
       {L"clean", "clean needs a target: valid targets are junk, shortcuts, recycle, browser, pc, plugins"},
       {L"clean registry",
        "invalid target \"registry\" for clean: valid targets are junk, shortcuts, recycle, browser, pc, plugins"},
       {L"fix junk", "valid targets are registry, extensions"},
-      {L"stop extensions", "valid targets are junk, shortcuts, recycle, browser, pc, plugins, registry, scan"},
+      {L"stop extensions", "valid targets are junk, shortcuts, recycle, browser, pc, plugins, registry, scan, free"},
       {L"scan now", "unexpected argument \"now\" after scan"},
       {L"plugins show", "plugins needs list, import FILE.ini or browsers"},
       {L"plugins import", "plugins import needs a rules file"},

@@ -55,6 +55,13 @@ TEST(OverseerReplyDecodingTest, EveryReplyKind) {
       // The stop reply: only up to the fifth counter is read, whatever follows.
       {304, L"8\\pc 7\\pc 6\\pc 5\\pc 4\\pc\x01garbage\\pc\\pc", 0, 0, 5,
        {{"documents", L"8"}, {"run_history", L"7"}, {"find_files", L"6"}, {"clipboard", L"5"}, {"network", L"4"}}},
+      {307, scourel::FreeSpaceDoneText({L"done", 5000000000ULL, 2, 4321, true, true, L"yes", L"NTFS"}), 0, 0, 9,
+       {{"status", L"done"}, {"bytes_filled", L"5000000000"}, {"size", L"4.66 GB"}, {"fill_files", L"2"},
+        {"record_files", L"4321"}, {"record_step", L"done"}, {"trim", L"issued"}, {"solid_state", L"yes"},
+        {"file_system", L"NTFS"}}},
+      {307, scourel::FreeSpaceDoneText({L"full", 0, 0, 0, false, false, L"unknown", L""}), 0, 0, 9,
+       {{"status", L"full"}, {"record_step", L"skipped"}, {"trim", L"not issued"}, {"file_system", L""}}},
+      {2091, L"", 42, 3000000000LL, 2, {{"percent", L"42"}, {"bytes_filled", L"3000000000"}}},
       // Numeric replies: a 32-bit signed count widened, a 64-bit byte total.
       {2035, L"", 3, 1536, 3, {{"junk_files", L"3"}, {"bytes", L"1536"}, {"size", L"1.50 KB"}}},
       {2041, L"", minusOne, 3000000000LL, 3, {{"dead_shortcuts", L"-1"}, {"bytes", L"3000000000"}, {"size", L"2.79 GB"}}},
@@ -75,7 +82,7 @@ TEST(OverseerReplyDecodingTest, EveryReplyKind) {
     EXPECT_EQ(reply.kind, copy ? c.what : 0u);
     EXPECT_EQ(reply.text, c.text);
     EXPECT_FALSE(reply.title.empty());
-    EXPECT_EQ(reply.progress, c.what == 2082 || c.what == 2083);
+    EXPECT_EQ(reply.progress, c.what == 2082 || c.what == 2083 || c.what == 2091);
     ASSERT_EQ(reply.fields.size(), c.fieldCount);
     Fields fields;
     for (const Field& field : reply.fields) fields[field.name] = field.value;
@@ -84,7 +91,8 @@ TEST(OverseerReplyDecodingTest, EveryReplyKind) {
 }
 
 TEST(OverseerReplyDecodingTest, BareCompletionsHaveTitlesOnly) {
-  for (unsigned id : {2038u, 2062u, 2044u, 2068u, 2056u, 2080u, 2057u, 2081u, 2063u, 2071u, 2072u, 2074u, 2075u}) {
+  for (unsigned id :
+       {2038u, 2062u, 2044u, 2068u, 2056u, 2080u, 2057u, 2081u, 2063u, 2071u, 2072u, 2074u, 2075u, 2090u}) {
     const DecodedReply reply = DecodeMessage(id, 0x1234, 0);
     EXPECT_TRUE(reply.readable && reply.fields.empty() && !reply.title.empty()) << id;
   }
@@ -105,6 +113,9 @@ TEST(OverseerReplyDecodingTest, TextsOutOfLayoutAreUnreadable) {
       {109, L"Scanning completed"},  // the text is fixed
       {303, L"1\\pc 2\\pc 3\\pc 4\\pc 5\\pc 6"},
       {304, L"1\\pc 2\\pc 3\\pc 4\\pc 5"},  // the fifth separator is missing
+      {307, L"done\\fw1\\fw1\\fw0\\fwdone\\fwissued\\fwyes"},             // the file system missing
+      {307, L"finished\\fw1\\fw1\\fw0\\fwdone\\fwissued\\fwyes\\fwNTFS"},  // no such status
+      {307, L"done\\fw-1\\fw1\\fw0\\fwdone\\fwissued\\fwyes\\fwNTFS"},      // a negative count
       {999, L"1"},
   };
   for (const auto& [kind, text] : cases) {

@@ -267,6 +267,9 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   if (words.size() > used)
     return refuse("unexpected argument \"" + words[used] + "\" after " + CommandName(options.verb, options.task));
   if (!options.backupPath.empty() && options.verb != Verb::kFix) return refuse("--backup applies to fix only");
+  if (options.secondSet && (options.verb == Verb::kWipe || options.verb == Verb::kShred)) {
+    return refuse("--second-set does not apply to " + CommandName(options.verb, nullptr));
+  }
   if (options.secondSet &&
       (options.verb == Verb::kScan || (options.verb == Verb::kStop && options.task->task == p::Task::kFullScan))) {
     return refuse("--second-set does not apply to the full scan, which has one command only");

@@ -16,6 +16,8 @@
 #include "overseer/registry_backup.h"
 #include "overseer/report_output.h"
 #include "overseer/settings_writer.h"
+#include "overseer/shred_paths.h"
+#include "task/settings.h"
 #include "overseer/wipe_free.h"
 #include "plugins/plugin_files.h"
 
@@ -84,6 +86,20 @@ int wmain(int argc, wchar_t** argv) {
     Print(result.out);
     if (!result.error.empty()) PrintError(result.error);
     return result.exitCode;
+  }
+  if (options.verb == Verb::kShred) {
+    // The worker's wipe method unless --wipe names one.
+    const std::wstring worker = FullPath(options.workerPath.empty() ? DefaultWorkerPath() : options.workerPath);
+    const auto root = InstallRootOf(worker);
+    const unsigned method = options.wipeMethod.value_or(
+        root ? scourel::SettingsFile(*root + L"\\" + kSettingsFileName).ReadWipeAlgorithm() : 0);
+    const ShredRun run = ShredPaths(options.paths, method, scourel::SystemPluginFolders());
+    for (const ShredLine& line : run.lines) Print(line.result + "  " + Utf8(line.path) + "\n");
+    if (!run.refusal.empty()) {
+      PrintError(run.refusal);
+      return 2;
+    }
+    return run.allDone ? 0 : 1;
   }
   const unsigned timeoutMs = options.timeoutSeconds * 1000;
   const auto plan = PlanFor(options);
