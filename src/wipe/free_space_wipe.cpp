@@ -69,7 +69,7 @@ FreeSpaceReport CFreeSpaceWipe::Wipe(wchar_t letter, std::uint32_t method) {
   // The fill folder's entry goes in before the volume is full: on a full
   // volume the root's index may have no room left to grow.
   const bool records = facts->ntfs() && ::CreateDirectoryW(FillFolderPath(letter).c_str(), nullptr);
-  FreedRecordFiller filler(FillFolderPath(letter), recordBytes_, stop_);
+  FreedRecordFiller filler(FillFolderPath(letter), recordBytes_, stop_, [this] { Report(true); });
   if (records) filler.Prepare(FreeBytesOf(letter));
 
   const std::uint64_t fileLimit = facts->fat() ? kFatFileLimit : std::uint64_t{1} << 40;

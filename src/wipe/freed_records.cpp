@@ -21,14 +21,19 @@ std::wstring EntryName(wchar_t last) { return L"XE8AQU" + std::wstring(kRecordNa
 
 }  // namespace
 
-FreedRecordFiller::FreedRecordFiller(const std::wstring& folder, RandomPassSource& random, const StopFlag* stop)
-    : random_(random), stop_(stop), folders_{L"\\\\?\\" + folder} {}  // the tree can be deeper than MAX_PATH
+FreedRecordFiller::FreedRecordFiller(const std::wstring& folder, RandomPassSource& random, const StopFlag* stop,
+                                     std::function<void()> tick)
+    : random_(random), tick_(std::move(tick)), stop_(stop), folders_{L"\\\\?\\" + folder} {}  // the tree can be deeper than MAX_PATH
+
+void FreedRecordFiller::Made() {
+  if (++made_ % kTickRecords == 0 && tick_) tick_();
+}
 
 bool FreedRecordFiller::MakeSmallFile(const std::wstring& path) {
   UniqueHandleKernel file(
       ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return false;
-  ++made_;  // its record is taken even when its data will not fit
+  Made();  // its record is taken even when its data will not fit
   std::uint8_t bytes[kRecordFileBytes];
   random_.Fill(bytes, sizeof bytes);
   DWORD written = 0;
@@ -42,7 +47,7 @@ void FreedRecordFiller::Prepare(std::uint64_t freeBytes) {
     const std::wstring child = parents.front() + L"\\" + EntryName(skeleton_.size() % 2 == 0 ? L'A' : L'B');
     if (skeleton_.size() % 2 == 1) parents.pop_front();
     if (!::CreateDirectoryW(child.c_str(), nullptr)) break;
-    ++made_;
+    Made();
     skeleton_.push_back(child);
     parents.push_back(child);
     // Free clusters going means the record table grew: no freed record was
@@ -68,7 +73,7 @@ void FreedRecordFiller::Run() {
   while (!folders_.empty() && refusals < kRefusalsToEnd && made_ < kMostRecords && !Raised(stop_)) {
     const std::wstring child = folders_.front() + L"\\" + EntryName(kSlots[nextSlot_]);
     if (::CreateDirectoryW(child.c_str(), nullptr)) {
-      ++made_;
+      Made();
       if (MakeSmallFile(child + L"\\" + EntryName(L'F'))) {
         folders_.push_back(child);
         refusals = 0;

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,10 @@ inline constexpr std::size_t kSkeletonFolders = 15;
 // back and a file made in its place, so no record ends as a near-empty folder.
 class FreedRecordFiller {
  public:
-  FreedRecordFiller(const std::wstring& folder, RandomPassSource& random, const StopFlag* stop);
+  // `tick` runs every kTickRecords records, so that a long step still shows life.
+  FreedRecordFiller(const std::wstring& folder, RandomPassSource& random, const StopFlag* stop,
+                    std::function<void()> tick = nullptr);
+  static constexpr std::uint32_t kTickRecords = 256;
   // Folders that give the tree its first levels, made while the volume still
   // has room (`freeBytes` free), so that few have to be made on the full
   // volume, where a refused folder can leave its record unusable (ntfs-3g).
@@ -43,7 +47,10 @@ class FreedRecordFiller {
  private:
   bool MakeSmallFile(const std::wstring& path);
 
+  void Made();
+
   RandomPassSource& random_;
+  std::function<void()> tick_;
   const StopFlag* stop_;
   std::deque<std::wstring> folders_;
   std::vector<std::wstring> skeleton_;
