@@ -73,31 +73,40 @@ FreeSpaceReport CFreeSpaceWipe::Wipe(wchar_t letter, std::uint32_t method) {
   if (records) filler.Prepare(FreeBytesOf(letter));
 
   const std::uint64_t fileLimit = facts->fat() ? kFatFileLimit : std::uint64_t{1} << 40;
-  if (!FillFiles(letter, fileLimit, UINT64_MAX, cluster, method)) report.status = L"cannot write";
+  if (!FillFiles(letter, fileLimit, cluster, method)) report.status = L"cannot write";
   // With no cluster free the record table cannot grow: every record the
   // record step gets is a freed one.
   if (!Raised(stop_) && report.status.empty() && records) {
     report.recordStep = true;
     filler.Run();
     report.folderFiles = filler.made();
+    // Folders made before the fill can hold clusters where a file system
+    // keeps folders in clusters (Wine calls every mapped drive NTFS): once
+    // they are gone, the fill takes those clusters too.
+    RemoveFolderTree(L"\\\\?\\" + FillFolderPath(letter));
+    (void)FillFiles(letter, fileLimit, cluster, method);
   }
   report.fillFiles = static_cast<std::uint32_t>(files_.size());
   report.bytesFilled = filled_;
   RemoveFill(letter, report, kind.trimWorthIssuing() && !Raised(stop_));
   if (report.status.empty()) report.status = Raised(stop_) ? L"stopped" : L"done";
   if (report.status == L"done") {
-    lastPercent_ = -1;
-    filled_ = std::max(filled_, freeAtStart_);
-    Report(true);
+    // What the file system keeps for itself is never filled: done is 100 %.
+    ReportWipeProgress(100, window_);
+    if (progress_) progress_(100, filled_);
   }
   g_wipeProgressMode.set(false);
   return report;
 }
 
-bool CFreeSpaceWipe::FillFiles(wchar_t letter, std::uint64_t fileLimit, std::uint64_t total, std::uint32_t cluster,
-                               std::uint32_t method) {
-  for (Filled filled = Filled::kLimit; filled == Filled::kLimit && filled_ < total;) {
-    FillFile_ fill;
+bool CFreeSpaceWipe::FillFiles(wchar_t letter, std::uint64_t fileLimit, std::uint32_t cluster, std::uint32_t method) {
+  // A file that reached its limit goes on in the next. So does one the volume
+  // stopped while it still took something: a large file can need a block of
+  // its own bookkeeping for its last bytes, which a new small file does not.
+  int tail = 0;
+  for (Filled filled = Filled::kLimit; filled == Filled::kLimit || (filled == Filled::kVolumeFull &&
+                                                                     files_.back().size > 0 && ++tail <= kTailFiles);) {
+    FillEntry fill;
     fill.path = FillFilePath(letter, static_cast<std::uint32_t>(files_.size()));
     fill.handle.reset(::CreateFileW(fill.path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                     FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
@@ -105,12 +114,7 @@ bool CFreeSpaceWipe::FillFiles(wchar_t letter, std::uint64_t fileLimit, std::uin
       const DWORD error = ::GetLastError();
       return !files_.empty() || error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL;
     }
-    const std::uint64_t room = total - filled_;
-    const std::uint64_t limit = std::min(fileLimit, room);
-    filled = FillFile(fill.handle.get(), limit, cluster, method, &fill.size);
-    // A file that reached its limit goes on in the next; one that reached
-    // the total ends this part.
-    if (filled == Filled::kLimit && limit < fileLimit) filled = Filled::kVolumeFull;
+    filled = FillFile(fill.handle.get(), fileLimit, cluster, method, &fill.size);
     // Flushed, so that what the volume reports full is on the disk.
     ::FlushFileBuffers(fill.handle.get());
     files_.push_back(std::move(fill));
@@ -137,14 +141,16 @@ CFreeSpaceWipe::Filled CFreeSpaceWipe::FillFile(HANDLE file, std::uint64_t limit
     while (head() != nullptr) PopPass();
     if (!written) {
       // The volume had less room than this unit: give back what part of it
-      // was taken and try again with half, down to one cluster.
+      // was taken and try again with half, down to one sector. Not one
+      // cluster: the size a volume reports can be larger than its own
+      // blocks (Wine reports 4 KiB for a volume of 1 KiB blocks).
       (void)SeekTo(file, offset);
       ::SetEndOfFile(file);
-      if (unit <= cluster) {
+      if (unit <= kSmallestWrite) {
         *size = offset;
         return Filled::kVolumeFull;
       }
-      unit = std::max(unit / 2 / cluster, 1u) * cluster;
+      unit = std::max(unit / 2 / kSmallestWrite, 1u) * kSmallestWrite;
       continue;
     }
     offset += length;
@@ -165,7 +171,7 @@ void CFreeSpaceWipe::Report(bool force) {
 
 void CFreeSpaceWipe::RemoveFill(wchar_t letter, FreeSpaceReport& report, bool trim) {
   RemoveFolderTree(L"\\\\?\\" + FillFolderPath(letter));
-  for (FillFile_& fill : files_) {
+  for (FillEntry& fill : files_) {
     if (trim && fill.size > 0 && TrimFile(fill.handle.get(), fill.size)) report.trimIssued = true;
     fill.handle.reset();
     ::DeleteFileW(fill.path.c_str());

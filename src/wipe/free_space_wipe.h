@@ -26,6 +26,9 @@ class CFreeSpaceWipe : public CEraserJunkData {
   // Bytes a fill file is written with at once, and the most a fill file may
   // hold on FAT (a 32-bit size).
   static constexpr std::uint32_t kChunkBytes = 1 << 20;
+  static constexpr std::uint32_t kSmallestWrite = 512;
+  // Files tried after the volume first reports full.
+  static constexpr int kTailFiles = 8;
   static constexpr std::uint64_t kFatFileLimit = (std::uint64_t{1} << 32) - kChunkBytes;
 
   // `stop` is checked between chunks; wipe progress (message 1036) goes to
@@ -38,10 +41,9 @@ class CFreeSpaceWipe : public CEraserJunkData {
 
  private:
   enum class Filled { kLimit, kVolumeFull, kStopped };
-  // Fill files until `total` bytes are filled in all, or the volume is full;
+  // Fill files, each up to `fileLimit` bytes, until the volume is full;
   // false when not even the first could be made.
-  bool FillFiles(wchar_t letter, std::uint64_t fileLimit, std::uint64_t total, std::uint32_t cluster,
-                 std::uint32_t method);
+  bool FillFiles(wchar_t letter, std::uint64_t fileLimit, std::uint32_t cluster, std::uint32_t method);
   Filled FillFile(HANDLE file, std::uint64_t limit, std::uint32_t cluster, std::uint32_t method,
                   std::uint64_t* size);
   void Report(bool force);
@@ -53,12 +55,12 @@ class CFreeSpaceWipe : public CEraserJunkData {
   std::uint64_t freeAtStart_ = 0;
   std::uint64_t filled_ = 0;
   int lastPercent_ = -1;
-  struct FillFile_ {
+  struct FillEntry {
     std::wstring path;
     UniqueHandleKernel handle;
     std::uint64_t size = 0;
   };
-  std::vector<FillFile_> files_;
+  std::vector<FillEntry> files_;
   RandomPassSource recordBytes_;
 };
 
