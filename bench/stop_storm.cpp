@@ -32,13 +32,13 @@
 #include "protocol/categories.h"
 #include "protocol/messages.h"
 #include "protocol/tasks.h"
-
-#include <tlhelp32.h>
+#include "support/process_threads.h"
 
 namespace {
 
 namespace p = scourel::protocol;
 using scourel::UniqueHandleKernel;
+using scourel::test::ThreadsOf;
 
 constexpr long kNever = std::numeric_limits<long>::max();
 constexpr DWORD kCommandTimeoutMs = 10000;
@@ -116,17 +116,6 @@ bool KeepsSlot(const Record& record) {
   const p::Task task = Spec(record.task).task;
   return (task == p::Task::kBrowser && record.set == p::kFirstSet) ||
          (task == p::Task::kPcTraces && record.set == p::kSecondSet);
-}
-
-std::set<DWORD> ThreadsOf(DWORD pid) {
-  std::set<DWORD> ids;
-  UniqueHandleKernel snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-  THREADENTRY32 entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = ::Thread32First(snapshot.get(), &entry); more; more = ::Thread32Next(snapshot.get(), &entry)) {
-    if (entry.th32OwnerProcessID == pid) ids.insert(entry.th32ThreadID);
-  }
-  return ids;
 }
 
 void WriteFileOfSize(const std::wstring& path, std::size_t size) {

@@ -1,31 +1,16 @@
 // A stop that arrives while a real worker shreds a large file.
 #include <gtest/gtest.h>
 
-#include <set>
-#include <vector>
-
 #include "common/win.h"
 #include "support/fixtures.h"
+#include "support/process_threads.h"
 #include "support/worker_harness.h"
-
-#include <tlhelp32.h>
 
 namespace scourel::test {
 namespace {
 
 constexpr std::size_t kBig = 64u << 20;
 constexpr std::size_t kCluster = 4096;
-
-std::set<DWORD> ThreadsOf(DWORD pid) {
-  std::set<DWORD> ids;
-  UniqueHandleKernel snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-  THREADENTRY32 entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = ::Thread32First(snapshot.get(), &entry); more; more = ::Thread32Next(snapshot.get(), &entry)) {
-    if (entry.th32OwnerProcessID == pid) ids.insert(entry.th32ThreadID);
-  }
-  return ids;
-}
 
 std::string FirstCluster(const std::wstring& path) {
   UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
@@ -80,13 +65,7 @@ TEST(StopDuringShredTest, LeavesTheFileUnderItsNameAndAddsNothingAfterTheReply) 
   EXPECT_EQ(stopped->lParam, static_cast<LPARAM>(kBig));
 
   // The task's thread ends of its own accord, soon: it does not shred on.
-  std::vector<UniqueHandleKernel> task;
-  for (DWORD id : ThreadsOf(pid)) {
-    if (!idle.count(id)) task.emplace_back(::OpenThread(SYNCHRONIZE, FALSE, id));
-  }
-  for (const auto& thread : task) {
-    EXPECT_TRUE(!thread || ::WaitForSingleObject(thread.get(), 30000) == WAIT_OBJECT_0) << "a task thread still runs";
-  }
+  EXPECT_TRUE(ThreadsBeyondEnd(pid, idle, 30000)) << "a task thread still runs";
   const std::string left = ReadFileBytes(big);
   ASSERT_EQ(left.size(), kBig) << "the file keeps its name and size";
   EXPECT_TRUE(left.compare(kBig - kCluster, kCluster, planted) == 0) << "its last cluster was never reached";

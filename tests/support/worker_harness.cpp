@@ -4,10 +4,17 @@
 #include <chrono>
 #include <cwchar>
 
+#include <gtest/gtest.h>
+
 #include "protocol/messages.h"
 #include "support/fixtures.h"
 
 namespace scourel::test {
+
+namespace {
+// Posted by the test to its own controller window, behind the worker's replies.
+constexpr UINT kQueueMark = WM_APP + 0x2A;
+}  // namespace
 
 WindowThread::WindowThread(const wchar_t* className, const wchar_t* title, HiddenWindow::Handler handler) {
   const UniqueHandleKernel ready(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -39,6 +46,11 @@ WorkerHarness::WorkerHarness(const std::wstring& name, const std::wstring& modeA
   if (controller) {
     controller_.emplace(protocol::kControllerClass, L"test controller",
                         [this](HWND, UINT id, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
+                          if (id == kQueueMark) {
+                            { std::lock_guard lock(mutex_); ++marksSeen_; }
+                            arrived_.notify_all();
+                            return 0;
+                          }
                           if (id != WM_COPYDATA && (id < 2034 || id > 2088)) return std::nullopt;
                           Record(id, wParam, lParam);
                           return id == WM_COPYDATA ? TRUE : 0;
@@ -83,9 +95,13 @@ void WorkerHarness::WriteSetting(const std::wstring& key, const std::wstring& va
   ::WritePrivateProfileStringW(L"Corvane Suite", key.c_str(), value.c_str(), settingsPath().c_str());
 }
 
-LRESULT WorkerHarness::Send(UINT id, WPARAM wParam, LPARAM lParam) {
+std::optional<LRESULT> WorkerHarness::Send(UINT id, WPARAM wParam, LPARAM lParam, DWORD timeoutMs) {
   DWORD_PTR result = 0;
-  ::SendMessageTimeoutW(worker_, id, wParam, lParam, SMTO_NORMAL, 60000, &result);
+  ::SetLastError(0);
+  if (!::SendMessageTimeoutW(worker_, id, wParam, lParam, SMTO_NORMAL, timeoutMs, &result)) {
+    ADD_FAILURE() << "message " << id << " not accepted by the worker (error " << ::GetLastError() << ")";
+    return std::nullopt;
+  }
   return static_cast<LRESULT>(result);
 }
 
@@ -109,8 +125,11 @@ bool WorkerHarness::WaitUntil(const std::function<bool(const std::vector<Receive
   return arrived_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] { return done(received_); });
 }
 
-bool WorkerHarness::NothingArrives(DWORD timeoutMs) {
-  return !WaitUntil([](const std::vector<ReceivedMessage>& received) { return !received.empty(); }, timeoutMs);
+bool WorkerHarness::CaughtUp(DWORD timeoutMs) {
+  std::unique_lock lock(mutex_);
+  const size_t mark = ++marksPosted_;
+  if (!controller_ || !::PostMessageW(controller_->get(), kQueueMark, 0, 0)) return false;
+  return arrived_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] { return marksSeen_ >= mark; });
 }
 
 bool WorkerHarness::WaitForCount(UINT id, size_t count, DWORD timeoutMs) {
@@ -137,13 +156,6 @@ void WorkerHarness::ClearReceived() {
   std::lock_guard lock(mutex_);
   received_.clear();
   cursor_ = 0;
-}
-
-std::optional<DWORD> WorkerHarness::WaitExit(DWORD timeoutMs) {
-  if (!process_ || ::WaitForSingleObject(process_.get(), timeoutMs) != WAIT_OBJECT_0) return std::nullopt;
-  DWORD code = 0;
-  ::GetExitCodeProcess(process_.get(), &code);
-  return code;
 }
 
 }  // namespace scourel::test

@@ -61,14 +61,16 @@ class WorkerHarness {
 
   bool Started() const { return worker_ != nullptr; }
   HWND worker() const { return worker_; }
+  DWORD processId() const { return ::GetProcessId(process_.get()); }
   HWND controller() const { return controller_ ? controller_->get() : nullptr; }
   const std::wstring& root() const { return root_; }
   std::wstring settingsPath() const { return root_ + L"\\Settings.INI"; }
 
   void WriteSetting(const std::wstring& key, const std::wstring& value);
 
-  // Sends a command and returns the window procedure's result.
-  LRESULT Send(UINT id, WPARAM wParam = 0, LPARAM lParam = 0);
+  // Sends a command and returns the window procedure's result; a send that
+  // fails or times out (a dead or hung worker) fails the test and gives nullopt.
+  std::optional<LRESULT> Send(UINT id, WPARAM wParam = 0, LPARAM lParam = 0, DWORD timeoutMs = 60000);
 
   // Waits for a message with this id (for WM_COPYDATA: of this kind) that
   // arrived after the previous wait's match; null on timeout.
@@ -76,18 +78,17 @@ class WorkerHarness {
   std::optional<ReceivedMessage> WaitForCopyData(unsigned kind, DWORD timeoutMs = 60000);
   // Waits until what has arrived satisfies `done`; false on timeout.
   bool WaitUntil(const std::function<bool(const std::vector<ReceivedMessage>&)>& done, DWORD timeoutMs = 60000);
-  // True when nothing at all arrives within the time: a bounded wait for
-  // the replies that must not come.
-  bool NothingArrives(DWORD timeoutMs = 300);
+  // Posts a mark to the controller's own queue and waits for it: every reply
+  // the worker's window sent or posted before now has then been recorded.
+  bool CaughtUp(DWORD timeoutMs = 10000);
+  // Caught up, and nothing at all was received.
+  bool NothingArrived() { return CaughtUp() && Received().empty(); }
   // Waits until `count` messages with this id have arrived in all.
   bool WaitForCount(UINT id, size_t count, DWORD timeoutMs = 10000);
 
   // Everything received so far, in order.
   std::vector<ReceivedMessage> Received();
   void ClearReceived();
-
-  // Waits for the worker process to end; its exit code, or nullopt.
-  std::optional<DWORD> WaitExit(DWORD timeoutMs = 30000);
 
  private:
   void Record(UINT id, WPARAM wParam, LPARAM lParam);
@@ -101,6 +102,7 @@ class WorkerHarness {
   std::condition_variable arrived_;
   std::vector<ReceivedMessage> received_;
   size_t cursor_ = 0;
+  size_t marksPosted_ = 0, marksSeen_ = 0;
 };
 
 }  // namespace scourel::test

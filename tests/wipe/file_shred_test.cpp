@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
+#include <future>
 #include <thread>
 #include <tuple>
 #include <vector>
@@ -228,12 +230,17 @@ TEST(Shred, AStopDuringTheRenameWaitsForTheDelete) {
   test::WriteFileBytes(dir / L"a.txt", "Z");
   RecordingIo io;
   std::thread stopper;
+  std::promise<void> atRaise, raised;
   io.onRename = [&] {
     stopper = std::thread([&] {
+      atRaise.set_value();
       io.stop.Raise();
       io.Log('X');
+      raised.set_value();
     });
-    ::Sleep(100);  // time enough for the stop, were nothing holding it back
+    atRaise.get_future().wait();
+    // The stopper is at the stop: unheld, it is through well within this bound.
+    (void)raised.get_future().wait_for(std::chrono::milliseconds(200));
   };
   EXPECT_EQ(CFileShred(io, &io.stop).Shred(dir / L"a.txt", 0), ShredOutcome::kOverwrittenAndDeleted);
   stopper.join();
