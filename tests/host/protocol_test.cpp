@@ -1,10 +1,12 @@
 // The worker's side of the message link, through real window messages
 // between two processes.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <regex>
 
 #include "protocol/messages.h"
+#include "support/process_threads.h"
 #include "support/worker_harness.h"
 
 namespace scourel::test {
@@ -97,7 +99,8 @@ void CheckReply(const WorkerHarness& worker, const ReceivedMessage& got, const E
     EXPECT_TRUE(std::regex_match(got.text, std::wregex(want.textPattern)))
         << "kind " << got.kind << ": " << testing::PrintToString(got.text);
     // Zero-padded behind the text.
-    for (size_t i = (got.text.size() + 1) * 2; i < got.bytes.size(); ++i) ASSERT_EQ(got.bytes[i], 0) << i;
+    EXPECT_THAT(std::vector(got.bytes.begin() + static_cast<std::ptrdiff_t>((got.text.size() + 1) * 2), got.bytes.end()),
+                testing::Each(0));
   } else if (want.lParamZero) {
     EXPECT_EQ(got.lParam, 0);
   } else {
@@ -171,7 +174,7 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
     // The slot is empty after a stop: the same stop again sends nothing.
     worker.ClearReceived();
     worker.Send(c.stop);
-    EXPECT_TRUE(worker.NothingArrives());
+    EXPECT_TRUE(worker.NothingArrived());
   }
 }
 
@@ -187,16 +190,19 @@ TEST(WorkerProtocolTest, SecondSetPcTracesStopsTheTaskThatReplacedIt) {
   EXPECT_EQ(stopped->wParam, reinterpret_cast<WPARAM>(worker.worker()));
   // The slot is empty: its stop answers nothing (posted 2074s may still trail).
   worker.Send(2075);
-  EXPECT_FALSE(worker.WaitFor(2075, 300));
+  ASSERT_TRUE(worker.CaughtUp());
+  EXPECT_FALSE(worker.WaitFor(2075, 0));
 }
 
 TEST(WorkerProtocolTest, WithoutControllerTheWorkerRunsOnQuietly) {
   WorkerHarness worker(L"proto-alone", L"", /*controller=*/false);
   ASSERT_TRUE(worker.Started());
+  const std::set<DWORD> idle = ThreadsOf(worker.processId());
   worker.Send(2087);
   worker.Send(2049);
   worker.Send(2034);
-  EXPECT_FALSE(worker.WaitExit(600)) << "the worker keeps running";
+  // Once the tasks, with nobody to reply to, have ended, the worker still answers.
+  EXPECT_TRUE(ThreadsBeyondEnd(worker.processId(), idle, 120000));
   EXPECT_EQ(worker.Send(2039), 0);
 }
 
