@@ -6,7 +6,6 @@
 #include <random>
 
 #include "protocol/reply_text.h"
-#include "support/random_text.h"
 
 namespace overseer {
 namespace {
@@ -48,6 +47,8 @@ TEST(OverseerReplyDecodingTest, EveryReplyKind) {
       // current user, deep scan.
       {107, scourel::RegistryScanText({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}), 0, 0, 12,
        {{"com", L"1"}, {"paths", L"2"}, {"association", L"4"}, {"current_user", L"11"}, {"deep_scan", L"12"}}},
+      {107, scourel::RegistryScanText({INT32_MIN, INT32_MAX}), 0, 0, 12,
+       {{"com", L"-2147483648"}, {"paths", L"2147483647"}, {"deep_scan", L"0"}}},
       {108, scourel::ExtensionScanText(42), 0, 0, 1, {{"entries", L"42"}}},
       {109, L"Scanning Completed", 0, 0, 1, {{"text", L"Scanning Completed"}}},
       {303, scourel::PcTracesDoneText(pc), 0, 0, 7,
@@ -124,54 +125,34 @@ TEST(OverseerReplyDecodingTest, TextsOutOfLayoutAreUnreadable) {
   }
 }
 
-// Texts the worker makes from random totals decode to the same counts, and
-// any edit of them decodes without harm: what still reads as readable has the
-// kind's layout.
-TEST(OverseerReplyDecodingTest, RandomTotalsRoundTripAndEditedTextsDecodeSafely) {
+// Worker texts edited at random, as a broken or hostile sender might: the
+// decoder keeps the text, and what still reads as readable has the kind's
+// layout.
+TEST(OverseerReplyDecodingTest, EditedTextsDecodeSafely) {
   using namespace scourel;
+  const PcCounters pc = {INT32_MIN, INT32_MAX, 0, -1, 1, 2, 3};
+  const std::pair<unsigned, std::wstring> made[] = {
+      {101, JunkScanText(INT32_MAX, 4e9f, INT32_MIN)}, {104, PcTracesScanText(pc, 0.0f, 1023.0f, 1024.0f)},
+      {105, BrowserText({}, {})}, {107, RegistryScanText({INT32_MIN, INT32_MAX})}, {304, PcTracesStoppedText(pc)},
+  };
+  const std::wstring pieces[] = {L"\\", L"pc", L"is", L" ", L"-", L"0", L".", L" KB", L"\xD800", std::wstring(1, L'\0')};
   std::mt19937 random(2034);
-  const unsigned kinds[] = {101, 102, 103, 104, 105, 106, 107, 108, 303, 304, 306};
-  for (int i = 0; i < 100000; ++i) {
-    std::array<std::int32_t, 12> c;
-    for (auto& value : c) value = static_cast<std::int32_t>(random() >> (random() % 32));
-    auto size = [&] { return static_cast<float>(random() % 4000000000u); };
-    const PcCounters pc = {c[0], c[1], c[2], c[3], c[4], c[5], c[6]};
-    std::array<std::int32_t, 10> counts;
-    std::array<float, 10> sizes;
-    for (int k = 0; k < 10; ++k) counts[k] = c[k], sizes[k] = size();
-    const unsigned kind = kinds[i % std::size(kinds)];
-    std::wstring text;
-    switch (kind) {
-      case 101: text = JunkScanText(c[0], size(), c[1]); break;
-      case 102: text = ShortcutScanText(c[0], size()); break;
-      case 103: text = RecycleBinScanText(c[0], size()); break;
-      case 104: text = PcTracesScanText(pc, size(), size(), size()); break;
-      case 106: text = PluginScanText(c[0], size()); break;
-      case 107: text = RegistryScanText(c); break;
-      case 108: text = ExtensionScanText(c[0]); break;
-      case 303: text = PcTracesDoneText(pc); break;
-      case 304: text = PcTracesStoppedText(pc); break;
-      default: text = BrowserText(counts, sizes); break;
-    }
-    const DecodedReply made = DecodeCopyData(kind, text);
-    ASSERT_TRUE(made.readable) << kind << testing::PrintToString(text);
-    std::size_t next = 0;
-    for (const Field& field : made.fields) {
-      ASSERT_TRUE(!field.number || field.value == std::to_wstring(c[next++])) << kind << " " << field.name;
-    }
+  for (int i = 0; i < 5000; ++i) {
+    const auto& [kind, original] = made[i % std::size(made)];
+    const std::size_t fields = DecodeCopyData(kind, original).fields.size();
+    ASSERT_GT(fields, 0u) << kind;
+    std::wstring text = original;
     for (int edits = 1 + random() % 3; edits > 0; --edits) {
-      const std::size_t at = text.empty() ? 0 : random() % text.size();
+      const std::size_t at = random() % (text.size() + 1);
       switch (random() % 3) {
         case 0: text.erase(at, 1); break;
-        case 1: text.insert(at, test::RandomText(random, {L"\\", L"pc", L"j", L"is", L" ", L"-", L"0", L".", L" KB"}, 2)); break;
-        default: if (!text.empty()) text[at] = static_cast<wchar_t>(random() % 0x10000); break;
+        case 1: text.insert(at, pieces[random() % std::size(pieces)]); break;
+        default: if (at < text.size()) text[at] = static_cast<wchar_t>(random() % 0x10000); break;
       }
     }
     const DecodedReply edited = DecodeCopyData(kind, text);
     ASSERT_EQ(edited.text, text);
-    ASSERT_TRUE(!edited.readable || edited.fields.size() == made.fields.size()) << testing::PrintToString(text);
-    const unsigned id = 2030 + random() % 60;
-    ASSERT_EQ(DecodeMessage(id, random(), static_cast<std::intptr_t>(random()) - 100).progress, id == 2082 || id == 2083);
+    ASSERT_TRUE(!edited.readable || edited.fields.size() == fields) << testing::PrintToString(text);
   }
 }
 
