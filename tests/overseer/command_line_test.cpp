@@ -1,5 +1,6 @@
 #include "overseer/command_line.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -137,7 +138,7 @@ TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
   for (const auto& [line, message] : cases) {
     const ParseResult result = Parse(line);
     EXPECT_FALSE(result.options) << line;
-    EXPECT_NE(result.error.find(message), std::string::npos) << line << ": " << result.error;
+    EXPECT_THAT(result.error, testing::HasSubstr(message)) << line;
   }
 }
 

@@ -1,9 +1,14 @@
 #include "overseer/report_output.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace overseer {
 namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
 
 TEST(OverseerOutputTest, JsonStringsAreEscaped) {
   EXPECT_EQ(JsonString(L"C:\\a \"b\"\n"), "\"C:\\\\a \\\"b\\\"\\n\"");
@@ -16,21 +21,17 @@ TEST(OverseerOutputTest, JsonReportShape) {
   RunReport report{"scan", L"C:\\r\\bin\\scourel.exe", 42, false, L"C:\\r\\Settings.INI", {{L"IDS_WIPEALGORITHM", L"7"}},
                    {DecodeCopyData(101, L"1\\j2.00 KB\\j3"), DecodeMessage(2035, 1, 5)}, "completed", "", {}, {}};
   const std::string json = JsonReport(report);
-  for (const char* part :
-       {"\"command\": \"scan\"",
-        "\"worker\": {\"path\": \"C:\\\\r\\\\bin\\\\scourel.exe\", \"pid\": 42, \"attached\": false}",
-        "\"settings_written\": {\"IDS_WIPEALGORITHM\": \"7\"}",
-        "{\"message\": 74, \"kind\": 101, \"title\": \"scan: junk files\", \"readable\": true, "
+  EXPECT_THAT(json, AllOf(HasSubstr("\"command\": \"scan\""),
+        HasSubstr("\"worker\": {\"path\": \"C:\\\\r\\\\bin\\\\scourel.exe\", \"pid\": 42, \"attached\": false}"),
+        HasSubstr("\"settings_written\": {\"IDS_WIPEALGORITHM\": \"7\"}"),
+        HasSubstr("{\"message\": 74, \"kind\": 101, \"title\": \"scan: junk files\", \"readable\": true, "
         "\"text\": \"1\\\\j2.00 KB\\\\j3\", \"fields\": {\"temporary_files\": 1, \"size\": "
-        "\"2.00 KB\", \"other_junk_files\": 3}}",
-        "{\"message\": 2035, \"title\": \"junk files cleaned\", \"readable\": true, \"fields\": "
-        "{\"junk_files\": 1, \"bytes\": 5, \"size\": \"0.00 KB\"}}",
-        "\"status\": \"completed\"\n}"}) {
-    EXPECT_NE(json.find(part), std::string::npos) << part << "\n" << json;
-  }
-  EXPECT_EQ(json.find("\"error\""), std::string::npos);
+        "\"2.00 KB\", \"other_junk_files\": 3}}"),
+        HasSubstr("{\"message\": 2035, \"title\": \"junk files cleaned\", \"readable\": true, \"fields\": "
+        "{\"junk_files\": 1, \"bytes\": 5, \"size\": \"0.00 KB\"}}"),
+        HasSubstr("\"status\": \"completed\"\n}"), Not(HasSubstr("\"error\""))));
   report.error = "no reply";
-  EXPECT_NE(JsonReport(report).find("\"error\": \"no reply\""), std::string::npos);
+  EXPECT_THAT(JsonReport(report), HasSubstr("\"error\": \"no reply\""));
 }
 
 TEST(OverseerOutputTest, TableBlockPerReply) {

@@ -93,17 +93,10 @@ TEST(PluginWalkTest, FullScanCountsAndTheCleanTakesWhatThePluginsName) {
   EXPECT_EQ(scanText(), L"22\\pss3.03 KB");
 }
 
-// The shell folder each token names, by its number.
-TEST(PluginWalkTest, TokensAreTheShellFolders) {
-  const PluginFolders folders = SystemPluginFolders();
-  for (const auto& [token, csidl] : {std::pair{L"%AppData%", 26}, {L"%LocalAppData%", 28}, {L"%Personal%", 5},
-                                     {L"%ProgramFiles%", 38}, {L"%CommonAppData%", 35}, {L"%UserProfile%", 40},
-                                     {L"%Windows%", 36}}) {
-    EXPECT_EQ(ExpandFileEntry(std::wstring(token) + L"\\Foo\\bar.log", folders),
-              SpecialFolder(csidl) + L"\\Foo\\bar.log");
-  }
-  const std::wstring windows = SpecialFolder(36);
-  EXPECT_EQ(ExpandFileEntry(L"%SystemDrive%\\x", folders), windows.substr(0, windows.rfind(L'\\')) + L"\\x");
+// The one token no shell folder names: the Windows folder's drive.
+TEST(PluginWalkTest, SystemDriveIsTheWindowsFoldersDrive) {
+  const std::wstring windows = SpecialFolder(CSIDL_WINDOWS);
+  EXPECT_EQ(ExpandFileEntry(L"%SystemDrive%\\x", SystemPluginFolders()), windows.substr(0, windows.rfind(L'\\')) + L"\\x");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "protocol/reply_text.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace scourel {
@@ -46,9 +47,8 @@ TEST(ReplyTextTest, StopTextIsReliableUpToTheFifthCounter) {
 TEST(ReplyTextTest, CopyDataBufferIsTwiceTheRecordAndZeroPadded) {
   const auto buffer = CopyDataBuffer(L"ab", 522);
   ASSERT_EQ(buffer.size(), 1044u);
-  EXPECT_EQ(buffer[0], 'a');
-  EXPECT_EQ(buffer[2], 'b');
-  for (size_t i = 4; i < buffer.size(); ++i) ASSERT_EQ(buffer[i], 0) << i;
+  EXPECT_THAT(std::vector(buffer.begin(), buffer.begin() + 4), testing::ElementsAre('a', 0, 'b', 0));
+  EXPECT_THAT(std::vector(buffer.begin() + 4, buffer.end()), testing::Each(0));
 
   // A text longer than the record is cut at cbData bytes.
   const auto cut = CopyDataBuffer(std::wstring(300, L'x'), 522);
