@@ -116,6 +116,7 @@ class StepRunner {
     switch (base) {
       case Base::kLocal: return below(LocalAppData(), L"");
       case Base::kRoaming: return below(RoamingAppData(), L"");
+      case Base::kChromeDefaultProfile: return below(LocalAppData(), L"\\Google\\Chrome\\User Data\\Default");
       case Base::kFirefoxLocal: return below(LocalAppData(), kFirefoxProfiles + ProfileName());
       case Base::kFirefoxRoaming: return below(RoamingAppData(), kFirefoxProfiles + ProfileName());
       // Without a "Profile" folder this is empty, and the location becomes

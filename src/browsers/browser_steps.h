@@ -36,6 +36,7 @@ enum class Base {
   kRoaming,
   kFirefoxLocal,    // local "Mozilla\Firefox\Profiles\<profile>"
   kFirefoxRoaming,  // roaming "Mozilla\Firefox\Profiles\<profile>"
+  kChromeDefaultProfile,  // local "Google\Chrome\User Data\Default"
   kChromeExtra,     // what the search found; empty leads to the root of the current drive
   kWindows,         // the Windows folder, with one closing backslash
   kCurrentUser,     // the path is a key under HKEY_CURRENT_USER

@@ -1,13 +1,10 @@
-#include "browsers/browser_steps.h"
+#include "browsers/step_table.h"
 
 namespace scourel {
 
 namespace {
 
-using enum protocol::Browser;
-using enum Gate;
-using enum Base;
-using enum Treatment;
+using namespace step_table;
 
 // The disk caches, in the order they are visited. The journal walks take
 // every "-journal" file of the whole Chrome profile and of the new Opera

@@ -1,14 +1,10 @@
-#include "browsers/browser_steps.h"
+#include "browsers/step_table.h"
 
 namespace scourel {
 
 namespace {
 
-using enum protocol::Browser;
-using enum Gate;
-using enum Base;
-using enum Treatment;
-using enum AlsoCounted;
+using namespace step_table;
 
 #define CHROME_DEFAULT L"Google\\Chrome\\User Data\\Default\\"
 

@@ -1,13 +1,10 @@
-#include "browsers/browser_steps.h"
+#include "browsers/step_table.h"
 
 namespace scourel {
 
 namespace {
 
-using enum protocol::Browser;
-using enum Gate;
-using enum Base;
-using enum Treatment;
+using namespace step_table;
 
 // Saved passwords and form entries. Firefox's key database is counted in
 // Firefox's history total, as it always was.

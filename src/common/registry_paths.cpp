@@ -53,7 +53,14 @@ std::wstring RootKeyName(HKEY root) {
   return {};
 }
 
-HKEY RootKeyFromName(const std::wstring& name) {
+HKEY RootKeyNamed(std::wstring_view name) {
+  for (const auto& entry : kRootNames) {
+    if (entry.name == name) return entry.root;
+  }
+  return nullptr;
+}
+
+HKEY PluginRootFromName(const std::wstring& name) {
   if (name == L"HKEY_CLASSES_ROOT") return HKEY_CURRENT_USER;
   if (name == L"HKEY_LOCAL_MACHINE") return HKEY_USERS;
   if (name == L"HKEY_USERS") return HKEY_CURRENT_CONFIG;

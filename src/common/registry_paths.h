@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "common/unique_handle.h"
 
@@ -26,12 +27,14 @@ inline constexpr REGSAM kOpenMasks[] = {
 // "HKEY_CLASSES_ROOT" ... "HKEY_CURRENT_CONFIG" for the five predefined
 // roots; empty for any other handle.
 std::wstring RootKeyName(HKEY root);
+// The other way: the root named exactly, or null for any other text.
+HKEY RootKeyNamed(std::wstring_view name);
 
 // The plug-in files' root table, shifted by one against the names it holds
 // (plug-in files are written for it as it is): "HKEY_CLASSES_ROOT" gives
 // HKEY_CURRENT_USER, "HKEY_LOCAL_MACHINE" HKEY_USERS, "HKEY_USERS"
 // HKEY_CURRENT_CONFIG. Any other text, exact comparison, gives null.
-HKEY RootKeyFromName(const std::wstring& name);
+HKEY PluginRootFromName(const std::wstring& name);
 
 // Opens with the first mask that succeeds; empty when all three fail.
 UniqueRegKey OpenKeyAnyView(HKEY root, const std::wstring& subkey);

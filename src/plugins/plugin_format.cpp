@@ -2,19 +2,15 @@
 
 #include <unordered_map>
 
+#include "common/text.h"
 #include "common/win.h"
 
 namespace scourel {
 
 namespace {
 
-bool IsBlank(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\v' || c == L'\f' || c == 0x1A; }
-
-std::wstring_view Trimmed(std::wstring_view text) {
-  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-  return text;
-}
+// The blanks the profile functions trim, the end-of-file mark included.
+std::wstring_view TrimmedBlanks(std::wstring_view text) { return Trimmed(text, std::wstring_view(L" \t\v\f\x1A")); }
 
 wchar_t FoldAscii(wchar_t c) { return (c >= L'a' && c <= L'z') ? static_cast<wchar_t>(c - 32) : c; }
 
@@ -63,13 +59,13 @@ std::vector<IniSection> ParseIni(std::wstring_view text) {
   std::vector<IniSection> sections(1);
   while (!text.empty()) {
     const size_t end = text.find_first_of(L"\r\n");
-    const std::wstring_view line = Trimmed(text.substr(0, end));
+    const std::wstring_view line = TrimmedBlanks(text.substr(0, end));
     text.remove_prefix(end == std::wstring_view::npos ? text.size() : end + 1);
     if (line.empty() || line.front() == L';') continue;
     if (line.front() == L'[') {
       // A header without its closing bracket opens nothing.
       const size_t close = line.rfind(L']');
-      if (close != std::wstring_view::npos) sections.push_back({std::wstring(Trimmed(line.substr(1, close - 1))), {}});
+      if (close != std::wstring_view::npos) sections.push_back({std::wstring(TrimmedBlanks(line.substr(1, close - 1))), {}});
       continue;
     }
     const size_t equals = line.find(L'=');
@@ -77,7 +73,7 @@ std::vector<IniSection> ParseIni(std::wstring_view text) {
       sections.back().entries.push_back({std::wstring(line), {}});
     } else {
       sections.back().entries.push_back(
-          {std::wstring(Trimmed(line.substr(0, equals))), std::wstring(Trimmed(line.substr(equals + 1)))});
+          {std::wstring(TrimmedBlanks(line.substr(0, equals))), std::wstring(TrimmedBlanks(line.substr(equals + 1)))});
     }
   }
   return sections;

@@ -1,6 +1,7 @@
 #include "plugins/plugin_targets.h"
 
 #include "common/registry_paths.h"
+#include "common/text.h"
 
 namespace scourel {
 
@@ -33,7 +34,7 @@ std::wstring Join(const Parts& parts, size_t count) {
 bool StartsWith(const Parts& path, const Parts& prefix) {
   if (prefix.empty() || prefix.size() > path.size()) return false;
   for (size_t i = 0; i < prefix.size(); ++i) {
-    if (!SamePath(path[i], prefix[i])) return false;
+    if (!SameTextIgnoringCase(path[i], prefix[i])) return false;
   }
   return true;
 }
@@ -241,7 +242,7 @@ const KeyRefusal kKeyRefusals[] = {
        if (c.entry.kind != EntryKind::kKey) return false;
        const std::wstring path = Join(c.inHive(), c.inHive().size());
        for (const std::wstring_view shared : kSharedKeys) {
-         if (SamePath(path, shared)) return true;
+         if (SameTextIgnoringCase(path, shared)) return true;
        }
        return false;
      }},
@@ -275,26 +276,21 @@ EntryTarget ResolveFile(const PluginEntry& entry, const PluginFolders& folders) 
   // Links are looked for below the part of the path the token gave.
   const Parts base = Normalised(folders.tokens[static_cast<size_t>(c.token)]);
   size_t shared = 0;
-  while (shared < base.size() && shared < c.parts.size() && SamePath(base[shared], c.parts[shared])) ++shared;
+  while (shared < base.size() && shared < c.parts.size() && SameTextIgnoringCase(base[shared], c.parts[shared])) ++shared;
   result.file.baseLength = Join(c.parts, shared).size();
   return result;
 }
 
 }  // namespace
 
-bool SamePath(std::wstring_view a, std::wstring_view b) {
-  return ::CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) ==
-         CSTR_EQUAL;
-}
-
 bool IsDeviceName(std::wstring_view name) {
   std::wstring_view stem = name.substr(0, name.find(L'.'));
   while (!stem.empty() && stem.back() == L' ') stem.remove_suffix(1);
   for (const std::wstring_view device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"}) {
-    if (SamePath(stem, device)) return true;
+    if (SameTextIgnoringCase(stem, device)) return true;
   }
   const bool numbered = stem.size() == 4 && stem[3] >= L'0' && stem[3] <= L'9';
-  return numbered && (SamePath(stem.substr(0, 3), L"COM") || SamePath(stem.substr(0, 3), L"LPT"));
+  return numbered && (SameTextIgnoringCase(stem.substr(0, 3), L"COM") || SameTextIgnoringCase(stem.substr(0, 3), L"LPT"));
 }
 
 bool MatchesAll(std::wstring_view pattern) {
@@ -307,7 +303,7 @@ bool MatchesPattern(std::wstring_view name, std::wstring_view pattern) {
   // Greedy match with one backtrack point: linear for any pattern.
   size_t n = 0, p = 0, starP = std::wstring_view::npos, starN = 0;
   while (n < name.size()) {
-    if (p < pattern.size() && (pattern[p] == L'?' || SamePath(pattern.substr(p, 1), name.substr(n, 1)))) {
+    if (p < pattern.size() && (pattern[p] == L'?' || SameTextIgnoringCase(pattern.substr(p, 1), name.substr(n, 1)))) {
       ++n, ++p;
     } else if (p < pattern.size() && pattern[p] == L'*') {
       starP = p++, starN = n;
@@ -324,7 +320,7 @@ bool MatchesPattern(std::wstring_view name, std::wstring_view pattern) {
 RegistryTarget ParseKeyEntry(std::wstring_view text) {
   RegistryTarget target;
   const size_t slash = text.find(L'\\');
-  target.root = RootKeyFromName(std::wstring(text.substr(0, slash)));
+  target.root = PluginRootFromName(std::wstring(text.substr(0, slash)));
   if (target.root) {
     target.subkey = slash == std::wstring_view::npos ? std::wstring() : std::wstring(text.substr(slash + 1));
   } else {

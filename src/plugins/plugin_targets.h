@@ -88,7 +88,5 @@ bool MatchesAll(std::wstring_view pattern);
 // The file-name test of a wildcard: "*" any run, "?" one character, case
 // ignored; "*.*" matches every name.
 bool MatchesPattern(std::wstring_view name, std::wstring_view pattern);
-// Paths compared the way the file system does, without case.
-bool SamePath(std::wstring_view a, std::wstring_view b);
 
 }  // namespace scourel

@@ -2,6 +2,8 @@
 
 #include <set>
 
+#include "common/text.h"
+
 namespace scourel {
 
 namespace {
@@ -32,12 +34,6 @@ constexpr RootName kRoots[] = {
     {L"HKU", L"HKEY_LOCAL_MACHINE"},   {L"HKEY_USERS", L"HKEY_LOCAL_MACHINE"},
     {L"HKCC", L"HKEY_USERS"},          {L"HKEY_CURRENT_CONFIG", L"HKEY_USERS"},
 };
-
-std::wstring_view Trimmed(std::wstring_view text) {
-  while (!text.empty() && text.front() == L' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == L' ') text.remove_suffix(1);
-  return text;
-}
 
 std::vector<std::wstring_view> SplitAt(std::wstring_view text, wchar_t separator) {
   std::vector<std::wstring_view> parts;
@@ -239,12 +235,6 @@ class SectionImport {
     size_t count = 0;
     for (const PluginEntry& entry : entries_) count += entry.kind == kind;
     return count;
-  }
-
-  static std::string Narrow(std::wstring_view text) {
-    std::string out;
-    for (const wchar_t c : text) out += (c > 0 && c < 128) ? static_cast<char>(c) : '?';
-    return out;
   }
 
   static std::wstring UniqueName(const std::wstring& wanted, std::set<std::wstring>& used) {

@@ -40,10 +40,10 @@ void ApplyRules(const ScanKey& key, const std::wstring& ownName, const ValueText
     }
     if (!RegisteredIn(L"AppID", d)) record();
   }
-  if (SameText(ownName, L"clsid") || SameText(ownName, L"typelib")) {
+  if (SameTextIgnoringCase(ownName, L"clsid") || SameTextIgnoringCase(ownName, L"typelib")) {
     if (d.find(L'{') == std::wstring::npos || d.size() < 3) return;
-    if (!RegisteredIn(SameText(ownName, L"clsid") ? L"CLSID" : L"TypeLib", d)) record();
-  } else if (SameText(ownName, L"ProxyStubClsid32")) {
+    if (!RegisteredIn(SameTextIgnoringCase(ownName, L"clsid") ? L"CLSID" : L"TypeLib", d)) record();
+  } else if (SameTextIgnoringCase(ownName, L"ProxyStubClsid32")) {
     if (!RegisteredIn(L"CLSID", d)) record();
   }
   if (d.find(L":\\") != std::wstring::npos && FileRuleDrive(d[0]) && !IsFileReferenceValid(d)) record();

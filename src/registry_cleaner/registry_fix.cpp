@@ -1,6 +1,7 @@
 #include "registry_cleaner/registry_fix.h"
 
 #include "common/registry_key.h"
+#include "common/registry_paths.h"
 #include "registry_cleaner/key_tree_delete.h"
 
 namespace scourel {
@@ -40,7 +41,7 @@ void DeleteKeyOrValue(CleanerIo& io, HKEY root, const RegistryIssue& row, const 
 }
 
 void FixRow(CleanerIo& io, const RegistryIssue& row, bool extensionRow) {
-  const HKEY root = RootFromName(row.rootName);
+  const HKEY root = RootKeyNamed(row.rootName);
   if (!root || row.keyPath.empty()) return;
   const RowKey opened = OpenRow(root, row.keyPath);
   if (!opened.key) return;
@@ -58,18 +59,6 @@ void FixRow(CleanerIo& io, const RegistryIssue& row, bool extensionRow) {
 }
 
 }  // namespace
-
-HKEY RootFromName(const std::wstring& name) {
-  static const std::pair<const wchar_t*, HKEY> kRoots[] = {{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
-                                                           {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-                                                           {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
-                                                           {L"HKEY_USERS", HKEY_USERS},
-                                                           {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG}};
-  for (const auto& [text, root] : kRoots) {
-    if (name == text) return root;
-  }
-  return nullptr;
-}
 
 int FixFlag(int category) {
   return category >= 0 && category < kRegistryCategoryTotal ? g_registry.fixFlags[category].get() : 0;

@@ -34,8 +34,4 @@ void FixSelected(const TaskContext& context);
 // Deletes the found rows of the file-extension category.
 void FixFileExtensions(const TaskContext& context);
 
-// The root a row names, compared exactly: one of the five predefined roots,
-// or null for any other text.
-HKEY RootFromName(const std::wstring& name);
-
 }  // namespace scourel

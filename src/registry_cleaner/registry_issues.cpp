@@ -59,7 +59,7 @@ void RegistryFindings::SetIgnoreList(std::vector<std::wstring> keyTexts) {
 bool RegistryFindings::Ignored(const std::wstring& keyText) const {
   std::lock_guard<std::mutex> guard(lock_);
   for (const auto& entry : ignore_) {
-    if (SameText(entry, keyText)) return true;
+    if (SameTextIgnoringCase(entry, keyText)) return true;
   }
   return false;
 }

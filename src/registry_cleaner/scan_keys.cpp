@@ -66,7 +66,7 @@ std::vector<std::wstring> ScanKey::SubkeyNames() const {
 
 std::wstring ScanKey::Find(const std::vector<ValueText>& values, const std::wstring& name) {
   for (const auto& value : values) {
-    if (SameText(value.name, name)) return value.text;
+    if (SameTextIgnoringCase(value.name, name)) return value.text;
   }
   return {};
 }
@@ -79,7 +79,7 @@ bool ScanKey::Record(int category, const std::wstring& valueName, const std::wst
 
 bool IsExcludedPath(const std::wstring& path) {
   if (path.find(L"SOFTWARE\\CLASSES", 1) != std::wstring::npos) return true;
-  return SameText(path, L"INTERFACE") || SameText(path, L"TYPELIB") || SameText(path, L"CLSID");
+  return SameTextIgnoringCase(path, L"INTERFACE") || SameTextIgnoringCase(path, L"TYPELIB") || SameTextIgnoringCase(path, L"CLSID");
 }
 
 bool NamesMissingFile(const std::wstring& text) {
@@ -107,13 +107,8 @@ bool ProgIdRegistered(const std::wstring& progId) {
   return KeyExists(HKEY_CLASSES_ROOT, progId) != 0;
 }
 
-bool SameText(const std::wstring& a, const std::wstring& b) {
-  return ::CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(), static_cast<int>(b.size()), TRUE) ==
-         CSTR_EQUAL;
-}
-
 bool EndsWithText(const std::wstring& text, const std::wstring& tail) {
-  return text.size() >= tail.size() && SameText(text.substr(text.size() - tail.size()), tail);
+  return text.size() >= tail.size() && SameTextIgnoringCase(text.substr(text.size() - tail.size()), tail);
 }
 
 }  // namespace scourel

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/registry_key.h"
+#include "common/text.h"
 #include "common/unique_handle.h"
 #include "task/task_context.h"
 
@@ -71,7 +72,6 @@ bool ClassRegistered(const std::wstring& classId);
 // nothing count as present.
 bool ProgIdRegistered(const std::wstring& progId);
 
-bool SameText(const std::wstring& a, const std::wstring& b);            // ignoring case
 bool EndsWithText(const std::wstring& text, const std::wstring& tail);  // ignoring case
 
 // A scan of one starting key, recording into the category given.

@@ -41,7 +41,7 @@ void UserSoftwareScan(const TaskContext& context, HKEY root, const std::wstring&
   if (!software) return;
   ForEachSubkey(context, software, [&](const std::wstring& name, const std::wstring& vendorPath) {
     for (const wchar_t* kept : {L"Classes", L"Microsoft", L"Policies", L"Wow6432Node"}) {
-      if (SameText(name, kept)) return;
+      if (SameTextIgnoringCase(name, kept)) return;
     }
     const ScanKey vendor(root, vendorPath);
     if (vendor && vendor.Empty()) vendor.Record(category);

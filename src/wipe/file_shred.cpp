@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/text.h"
 #include "wipe/obscure_name.h"
 #include "wipe/wipe_progress.h"
 
@@ -121,7 +122,7 @@ void CFileShred::RenameAndDelete(const std::wstring& path) {
   // When the rename failed, the new name may belong to another file (an
   // earlier "xxx" left behind, or the user's own): deleting it would take
   // that file instead, so a file still under its old name stays.
-  const bool sameName = ::CompareStringOrdinal(path.c_str(), -1, renamed.c_str(), -1, TRUE) == CSTR_EQUAL;
+  const bool sameName = SameTextIgnoringCase(path, renamed);
   if (!sameName && io_.Attributes(path) != INVALID_FILE_ATTRIBUTES) return;
   (void)io_.Delete(renamed);  // a failed delete is not reported
 }

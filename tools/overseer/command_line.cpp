@@ -3,17 +3,14 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "common/text.h"
+
 namespace overseer {
 
 namespace {
 
-std::string Narrow(std::wstring_view text) {
-  std::string out;
-  out.reserve(text.size());
-  // Names and numbers are ASCII; anything else becomes '?' and fails to match.
-  for (wchar_t c : text) out += (c > 0 && c < 128) ? static_cast<char>(c) : '?';
-  return out;
-}
+using scourel::Narrow;
+using scourel::Trimmed;
 
 // Case-insensitive, with '-' and '_' alike, so "Address-Bar" names address_bar.
 std::string Normalised(std::string_view text) {
@@ -23,12 +20,6 @@ std::string Normalised(std::string_view text) {
     if (c == '-') c = '_';
   }
   return out;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  return text;
 }
 
 std::string Joined(std::span<const std::string_view> names) {

@@ -32,7 +32,7 @@ std::vector<Location> LocationsOf(const std::wstring& rootName, const std::wstri
     return {{HKEY_LOCAL_MACHINE, L"HKEY_LOCAL_MACHINE", L"Software\\Classes\\" + path},
             {HKEY_CURRENT_USER, L"HKEY_CURRENT_USER", L"Software\\Classes\\" + path}};
   }
-  return {{scourel::RootFromName(rootName), rootName, path}};
+  return {{scourel::RootKeyNamed(rootName), rootName, path}};
 }
 
 bool Writable(const std::wstring& name) { return name.find_first_of(L"\r\n") == std::wstring::npos; }

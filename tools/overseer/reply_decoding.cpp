@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <cwchar>
 
+#include "common/text.h"
 #include "overseer/command_line.h"
 #include "protocol/categories.h"
 #include "protocol/messages.h"
@@ -16,6 +17,7 @@ namespace overseer {
 namespace {
 
 namespace p = scourel::protocol;
+using scourel::Trimmed;
 
 enum class Piece { kCount, kSize, kEmpty };
 
@@ -23,12 +25,6 @@ struct Slot {
   std::string name;
   Piece piece;
 };
-
-std::wstring_view Trimmed(std::wstring_view text) {
-  while (!text.empty() && text.front() == L' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == L' ') text.remove_suffix(1);
-  return text;
-}
 
 std::vector<std::wstring_view> Split(std::wstring_view text, std::wstring_view separator) {
   std::vector<std::wstring_view> pieces;
