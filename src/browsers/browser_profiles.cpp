@@ -50,11 +50,9 @@ std::wstring FindExtraChromeProfile(const TaskContext& context) {
   const std::wstring userData = local + L"\\Google\\Chrome\\User Data\\";
   std::wstring chosen;
   ForEachEntry(context, userData + L"*.*", [&](const WIN32_FIND_DATAW& entry) {
+    ClearReadOnly(context, userData, entry);
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = userData + entry.cFileName;
-    if (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {
-      (void)context.io.SetAttributes(path, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
-    }
     if (chosen.empty() && IsFolder(entry) && std::wstring_view(entry.cFileName).starts_with(L"Profile")) {
       chosen = path;
     }

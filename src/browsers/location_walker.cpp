@@ -64,13 +64,10 @@ void LocationWalker::VisitFolder(const std::wstring& folder, Treatment treatment
 void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) {
   const Tally current = context_.totals.browser.current.tally();
   ForEachEntry(context_, folder + std::wstring(shape.mask), [&](const WIN32_FIND_DATAW& entry) {
-    // "." and ".." name this folder and its parent, which are not this
-    // walk's to change; a link is neither entered nor taken.
+    ClearReadOnly(context_, folder, entry);
+    // "." and ".." are this folder and its parent; a link is neither entered nor taken.
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = folder + entry.cFileName;
-    if (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {
-      (void)context_.io.SetAttributes(path, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
-    }
     if (IsFolder(entry)) {
       if (shape.recurse) Walk(path + L"\\", shape);
       return;

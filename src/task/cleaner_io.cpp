@@ -1,6 +1,7 @@
 #include "task/cleaner_io.h"
 
 #include "common/status.h"
+#include "common/unique_handle.h"
 
 namespace scourel {
 
@@ -10,6 +11,14 @@ std::error_code Checked(BOOL ok) { return ok ? std::error_code() : LastError(); 
 std::error_code Registry(LSTATUS status) { return Win32Error(static_cast<DWORD>(status)); }
 
 }  // namespace
+
+void CleanerIo::ListFolder(const std::wstring& pattern, const std::function<bool(const WIN32_FIND_DATAW&)>& visit) {
+  WIN32_FIND_DATAW entry;
+  const UniqueFindHandle find(::FindFirstFileW(pattern.c_str(), &entry));
+  if (!find) return;
+  while (visit(entry) && ::FindNextFileW(find.get(), &entry)) {
+  }
+}
 
 std::error_code CleanerIo::RemoveFolder(const std::wstring& path) {
   return Checked(::RemoveDirectoryW(path.c_str()));

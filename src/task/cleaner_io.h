@@ -6,6 +6,7 @@
 // which records the changes and answers as the system would have.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <system_error>
 
@@ -16,6 +17,11 @@ namespace scourel {
 
 class CleanerIo : public ShredIo {
  public:
+  // FindFirstFileW/FindNextFileW: every entry the pattern lists, "." and ".."
+  // included, until `visit` returns false. A read, not a change: the walks
+  // list through here so that a stand-in can show what a disk may hold and
+  // Wine cannot (a read-only folder).
+  virtual void ListFolder(const std::wstring& pattern, const std::function<bool(const WIN32_FIND_DATAW&)>& visit);
   // RemoveDirectoryW: only an empty folder goes.
   [[nodiscard]] virtual std::error_code RemoveFolder(const std::wstring& path);
 

@@ -1,18 +1,20 @@
 #include "task/folder_walk.h"
 
-#include "common/unique_handle.h"
 
 namespace scourel {
 
 void ForEachEntry(const TaskContext& context, const std::wstring& pattern,
                   const std::function<void(const WIN32_FIND_DATAW&)>& visit) {
-  WIN32_FIND_DATAW entry;
-  const UniqueFindHandle find(::FindFirstFileW(pattern.c_str(), &entry));
-  if (!find) return;
-  do {
-    if (context.stopped()) return;
+  context.io.ListFolder(pattern, [&](const WIN32_FIND_DATAW& entry) {
+    if (context.stopped()) return false;
     visit(entry);
-  } while (::FindNextFileW(find.get(), &entry));
+    return true;
+  });
+}
+
+void ClearReadOnly(const TaskContext& context, const std::wstring& folder, const WIN32_FIND_DATAW& entry) {
+  if (!(entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY) || IsReparsePoint(entry)) return;
+  (void)context.io.SetAttributes(folder + entry.cFileName, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
 }
 
 }  // namespace scourel

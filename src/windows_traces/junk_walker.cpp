@@ -22,13 +22,11 @@ void JunkWalker::FileWalk(const std::wstring& folder, bool removeFolder, bool re
                                   : TraceRule{Probe::kRead, SizeFrom::kListing};
   Relaxed<std::int32_t>& counter = treeWalk ? context_.totals.junkSecond : context_.totals.junkFirst;
   ForEachEntry(context_, folder + L"*.*", [&](const WIN32_FIND_DATAW& entry) {
-    // "." and ".." name this folder and its parent: nothing to clear or walk.
-    // A link is neither entered nor shredded: what it points at is not junk.
+    if (context_.erasing()) ClearReadOnly(context_, folder, entry);
+    // "." and ".." are this folder and its parent: nothing to walk. A link is
+    // neither entered nor shredded: what it points at is not junk.
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = folder + entry.cFileName;
-    if (context_.erasing() && (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY)) {
-      (void)context_.io.SetAttributes(path, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
-    }
     if (IsFolder(entry)) {
       if (recurse) FileWalk(path + L"\\", true, recurse, treeWalk);
       return;
