@@ -2,6 +2,7 @@
 
 #include "browsers/browser_profiles.h"
 #include "common/known_folders.h"
+#include "common/text.h"
 #include "common/unique_handle.h"
 #include "overseer/local_state.h"
 #include "overseer/report_output.h"
@@ -102,10 +103,10 @@ class Finder {
   void Add(const BrowserInstall& browser, std::wstring name, std::wstring folder, std::wstring cache,
            const std::string& source) {
     for (const BrowserProfile& known : found_.profiles) {
-      if (known.browser == &browser && scourel::SamePath(known.folder, folder)) return;
+      if (known.browser == &browser && scourel::SameTextIgnoringCase(known.folder, folder)) return;
     }
     for (const std::wstring& system : systemFolders_) {
-      if (!system.empty() && scourel::SamePath(system, folder)) {
+      if (!system.empty() && scourel::SameTextIgnoringCase(system, folder)) {
         Note(browser, source + " names \"" + Utf8(folder) + "\", a folder of the system's own: refused");
         return;
       }
@@ -236,7 +237,7 @@ class Finder {
 
 std::optional<std::wstring> Below(const std::wstring& path, const std::wstring& folder) {
   if (folder.empty() || path.size() <= folder.size() + 1 || path[folder.size()] != L'\\' ||
-      !scourel::SamePath(std::wstring_view(path).substr(0, folder.size()), folder)) {
+      !scourel::SameTextIgnoringCase(std::wstring_view(path).substr(0, folder.size()), folder)) {
     return std::nullopt;
   }
   return path.substr(folder.size() + 1);

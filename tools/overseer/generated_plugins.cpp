@@ -3,6 +3,7 @@
 #include <set>
 
 #include "browsers/browser_steps.h"
+#include "common/text.h"
 #include "common/unique_handle.h"
 #include "overseer/local_state.h"
 #include "overseer/report_output.h"
@@ -19,7 +20,7 @@ using namespace scourel;
 namespace p = scourel::protocol;
 
 bool AtOrBelow(const std::wstring& path, const std::wstring& folder) {
-  return SamePath(path, folder) || Below(path, folder).has_value();
+  return SameTextIgnoringCase(path, folder) || Below(path, folder).has_value();
 }
 
 bool HoldsAfterFirst(std::wstring_view text, std::wstring_view word) {
@@ -69,7 +70,7 @@ class BuiltInPlaces {
           if (AtOrBelow(path, place) || holds) return true;
           break;
         case Treatment::kSingleFile:
-          if (SamePath(path, place) || holds) return true;
+          if (SameTextIgnoringCase(path, place) || holds) return true;
           break;
         case Treatment::kJournalFiles:
           if (!folder && Below(path, place) && HoldsAfterFirst(name, L"-journal")) return true;
@@ -81,14 +82,14 @@ class BuiltInPlaces {
           if (!folder && Below(path, place) && HoldsAfterFirst(path, L".localstorage")) return true;
           break;
         case Treatment::kTempFiles:
-          if (!folder && SamePath(parent, place) && MatchesPattern(name, L"*.tmp*")) return true;
+          if (!folder && SameTextIgnoringCase(parent, place) && MatchesPattern(name, L"*.tmp*")) return true;
           break;
         case Treatment::kTextFiles:
-          if (!folder && SamePath(parent, place) && MatchesPattern(name, L"*.txt")) return true;
+          if (!folder && SameTextIgnoringCase(parent, place) && MatchesPattern(name, L"*.txt")) return true;
           break;
         case Treatment::kIndexFiles:
         case Treatment::kIndexFilesBare:
-          if (!folder && SamePath(parent, place) && HoldsAfterFirst(path, L"Index")) return true;
+          if (!folder && SameTextIgnoringCase(parent, place) && HoldsAfterFirst(path, L"Index")) return true;
           break;
         default: break;
       }
@@ -159,7 +160,7 @@ Generation GeneratePlugins(const Discovery& found, const std::optional<std::vect
         std::wstring(profile.browser->name) + (profile.displayName.empty() ? L"" : L" - " + profile.displayName);
     // Two profiles that show one name are told apart by their folders.
     for (const std::wstring& known : titles) {
-      if (SamePath(known, title)) title += L" (" + profile.folder.substr(profile.folder.rfind(L'\\') + 1) + L")";
+      if (SameTextIgnoringCase(known, title)) title += L" (" + profile.folder.substr(profile.folder.rfind(L'\\') + 1) + L")";
     }
     titles.push_back(title);
     std::vector<std::wstring> entries;
@@ -244,7 +245,7 @@ PluginCommandResult WriteBrowserPlugins(const std::wstring& pluginsFolder,
   }
   auto among = [](const std::vector<std::wstring>& names, const std::wstring& name) {
     for (const std::wstring& known : names) {
-      if (SamePath(known, name)) return true;
+      if (SameTextIgnoringCase(known, name)) return true;
     }
     return false;
   };

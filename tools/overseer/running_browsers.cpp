@@ -6,6 +6,7 @@
 
 #include <tlhelp32.h>
 
+#include "common/text.h"
 #include "common/unique_handle.h"
 #include "overseer/browser_discovery.h"
 #include "overseer/report_output.h"
@@ -26,7 +27,7 @@ std::vector<std::string> RunningBrowsers() {
   std::vector<std::pair<std::wstring, std::string>> running;
   for (const BrowserInstall& browser : BrowserInstalls()) {
     bool runs = false;
-    for (const std::wstring& process : processes) runs = runs || scourel::SamePath(process, browser.process);
+    for (const std::wstring& process : processes) runs = runs || scourel::SameTextIgnoringCase(process, browser.process);
     if (!runs) continue;
     auto same = std::find_if(running.begin(), running.end(), [&](const auto& r) { return r.first == browser.process; });
     if (same == running.end()) {
