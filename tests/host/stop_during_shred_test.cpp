@@ -3,6 +3,7 @@
 
 #include "common/win.h"
 #include "support/fixtures.h"
+#include "support/folder_changes.h"
 #include "support/process_threads.h"
 #include "support/worker_harness.h"
 
@@ -20,15 +21,6 @@ std::string FirstCluster(const std::wstring& path) {
   if (!file || !::ReadFile(file.get(), bytes.data(), kCluster, &read, nullptr)) read = 0;
   bytes.resize(read);
   return bytes;
-}
-
-// Waits until `condition` holds, checking every few milliseconds.
-template <typename Condition>
-bool Eventually(Condition condition, DWORD timeoutMs = 30000) {
-  for (const ULONGLONG end = ::GetTickCount64() + timeoutMs; ::GetTickCount64() < end; ::Sleep(5)) {
-    if (condition()) return true;
-  }
-  return condition();
 }
 
 TEST(StopDuringShredTest, LeavesTheFileUnderItsNameAndAddsNothingAfterTheReply) {
@@ -55,9 +47,10 @@ TEST(StopDuringShredTest, LeavesTheFileUnderItsNameAndAddsNothingAfterTheReply) 
   const std::set<DWORD> idle = ThreadsOf(pid);
 
   worker.ClearReceived();
+  FolderChanges changes(temp);
   worker.Send(2034);
   const std::string planted(kCluster, 'Q');
-  ASSERT_TRUE(Eventually([&] { return FirstCluster(big) != planted; })) << "the shred began";
+  ASSERT_TRUE(changes.WaitUntil([&] { return FirstCluster(big) != planted; })) << "the shred began";
   worker.Send(2036);
   const auto stopped = worker.WaitFor(2036, 5000);
   ASSERT_TRUE(stopped);

@@ -3,6 +3,7 @@
 
 #include <regex>
 
+#include "support/folder_changes.h"
 #include "support/process_threads.h"
 #include "support/worker_harness.h"
 #include "windows_traces/traces_fixture.h"
@@ -58,9 +59,10 @@ TEST(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore) {
   worker.WriteSetting(L"IDS_CPCRUNHISTORY", L"TRUE");
 
   const std::set<DWORD> idle = ThreadsOf(worker.processId());
+  FolderChanges changes(recent);
   worker.Send(2049);
   // Stop once the documents step is under way: its first shortcuts are gone.
-  for (int i = 0; i < 3000 && left() == kShortcuts; ++i) ::Sleep(1);
+  ASSERT_TRUE(changes.WaitUntil([&] { return left() < kShortcuts; }));
   worker.Send(2051);
   const auto stopped = worker.WaitForCopyData(304, 10000);
   ASSERT_TRUE(stopped);
