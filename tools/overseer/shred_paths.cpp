@@ -1,5 +1,6 @@
 #include "overseer/shred_paths.h"
 
+#include "common/text.h"
 #include "common/unique_handle.h"
 #include "common/win.h"
 #include "overseer/report_output.h"
@@ -20,7 +21,7 @@ std::wstring FullPathOf(const std::wstring& path) {
 // "a" is "b", or a folder that holds it.
 bool Covers(const std::wstring& a, const std::wstring& b) {
   if (b.empty() || a.size() > b.size()) return false;
-  if (!scourel::SamePath(std::wstring_view(b).substr(0, a.size()), a)) return false;
+  if (!scourel::SameTextIgnoringCase(std::wstring_view(b).substr(0, a.size()), a)) return false;
   return a.size() == b.size() || b[a.size()] == L'\\' || a.back() == L'\\';
 }
 
