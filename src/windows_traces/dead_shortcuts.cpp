@@ -7,6 +7,7 @@
 #include "common/unique_handle.h"
 #include "common/win.h"
 #include "task/folder_walk.h"
+#include "task/link_rule.h"
 #include "task/trace_file.h"
 #include "windows_traces/junk_paths.h"
 
@@ -82,12 +83,15 @@ void DeadShortcuts(const TaskContext& context) {
   // The measuring walk reads targets as they stand.
   const ShortcutWalk walk{context, context.erasing() && TargetsNeedSysnative()};
   // The Start Menu of all users, the public desktop, then the whole profile.
+  // Each is walked only when no link leads to it from its base folder.
   const std::wstring drive = WindowsDrive();
-  if (!drive.empty()) walk.Walk(drive + L":\\ProgramData\\Microsoft\\Windows\\Start Menu\\");
+  const std::wstring startMenu = drive + L":\\ProgramData\\Microsoft\\Windows\\Start Menu\\";
+  if (!drive.empty() && ReachedWithoutLinks(drive + L":\\", startMenu)) walk.Walk(startMenu);
   if (context.stopped()) return;
   const std::wstring profile = ShellFolderPath(CSIDL_PROFILE);
   if (profile.empty()) return;
-  walk.Walk(ParentOf(profile) + L"\\Public\\Desktop");
+  const std::wstring publicDesktop = ParentOf(profile) + L"\\Public\\Desktop";
+  if (ReachedWithoutLinks(ParentOf(profile), publicDesktop)) walk.Walk(publicDesktop);
   if (context.stopped()) return;
   walk.Walk(profile);
 }
