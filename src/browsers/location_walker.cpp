@@ -55,10 +55,10 @@ void LocationWalker::VisitFolder(const std::wstring& base, const std::wstring& f
   const std::wstring listed =
       treatment == Treatment::kIndexFilesBare ? folder.substr(0, folder.rfind(L'\\') + 1) : folder;
   if (!ReachedWithoutLinks(base, listed)) return;
-  Walk(folder, ShapeOf(treatment));
+  Walk(folder, ShapeOf(treatment), 0);
 }
 
-void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) {
+void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape, int depth) {
   const Tally current = context_.totals.browser.current.tally();
   ForEachEntry(context_, folder + std::wstring(shape.mask), [&](const WIN32_FIND_DATAW& entry) {
     // "." and ".." name this folder and its parent, which are not this
@@ -69,7 +69,7 @@ void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) 
       (void)context_.io.SetAttributes(path, entry.dwFileAttributes & ~FILE_ATTRIBUTE_READONLY);
     }
     if (IsFolder(entry)) {
-      if (shape.recurse) Walk(path + L"\\", shape);
+      if (shape.recurse && depth < kMaxFolderDepth) Walk(path + L"\\", shape, depth + 1);
       return;
     }
     if (Takes(shape, entry.cFileName, path)) TakeTraceFile(context_, FromListing(path, entry), kListedFile, current);

@@ -59,7 +59,7 @@ class LocationWalker {
   bool VisitFile(const std::wstring& base, const std::wstring& path, Tally tally);
 
  private:
-  void Walk(const std::wstring& folder, const FolderShape& shape);
+  void Walk(const std::wstring& folder, const FolderShape& shape, int depth);
 
   const TaskContext& context_;
 };

@@ -98,12 +98,13 @@ class PluginWalk {
 
   // A folder entry goes with everything in it, each file shredded. A link
   // inside is neither entered nor removed, and keeps its folders in place.
-  void Folder(const std::wstring& folder, Tally tally) {
+  void Folder(const std::wstring& folder, Tally tally, int depth = 0) {
     ForEachEntry(context_, folder + L"\\*", [&](const WIN32_FIND_DATAW& entry) {
       if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
       const std::wstring path = folder + L"\\" + entry.cFileName;
       if (IsFolder(entry)) {
-        Folder(path, tally);
+        if (depth >= kMaxFolderDepth) return;
+        Folder(path, tally, depth + 1);
         Remove(path, entry.dwFileAttributes);
         return;
       }
