@@ -4,7 +4,7 @@
 
 #include "browsers/url_cache_cookies.h"
 #include "common/known_folders.h"
-#include "common/registry_key.h"
+#include "common/registry_links.h"
 
 namespace scourel {
 
@@ -21,10 +21,11 @@ bool IsFolderTreatment(Treatment treatment) {
   }
 }
 
-// A key's values are counted when it opens with full access; a clean deletes
-// it with everything below it whether or not it opened.
+// A key's values are counted when it opens with full access and no registry
+// link leads to it; a clean deletes it with everything below it whether or
+// not it opened (a link there goes as a link).
 void TakeKeyValues(const TaskContext& context, const std::wstring& path, Tally tally) {
-  if (const OpenedKey opened = OpenRegKey(HKEY_CURRENT_USER, path, KEY_ALL_ACCESS)) {
+  if (const OpenedKey opened = OpenRegKeyWithoutLinks(HKEY_CURRENT_USER, path, KEY_ALL_ACCESS)) {
     const auto values = static_cast<std::int32_t>(CountsOf(opened.get()).values);
     context.Record([&] { tally.count.add(values); });
   }
@@ -47,7 +48,7 @@ class StepRunner {
     CountAndBytes& cell = totals.cell(step.browser, column);
     switch (step.treatment) {
       case Treatment::kSingleFile:
-        if (walker_.VisitFile(*location, cell.tally())) context_.Record([&] { AlsoCount(step.also, 1); });
+        if (walker_.VisitFile(RootOf(step.base), *location, cell.tally())) context_.Record([&] { AlsoCount(step.also, 1); });
         return;
       case Treatment::kKeyValues:
         TakeKeyValues(context_, *location, cell.tally());
@@ -60,7 +61,7 @@ class StepRunner {
         break;
     }
     context_.Record([&] { totals.ZeroCurrent(); });
-    walker_.VisitFolder(*location, step.treatment);
+    walker_.VisitFolder(RootOf(step.base), *location, step.treatment);
     // Nothing a stopped task found reaches the totals its stop reported.
     context_.Record([&] {
       totals.AddCurrentTo(step.browser, column);
@@ -127,6 +128,23 @@ class StepRunner {
       case Base::kUrlCache: return std::wstring();
     }
     return std::nullopt;
+  }
+
+  // The folder below which no link may lead: a Firefox profile folder, or
+  // Chrome's extra one, is checked as part of the way.
+  static std::wstring RootOf(Base base) {
+    switch (base) {
+      case Base::kLocal:
+      case Base::kChromeDefaultProfile:
+      case Base::kFirefoxLocal:
+      case Base::kChromeExtra: return LocalAppData();
+      case Base::kRoaming:
+      case Base::kFirefoxRoaming: return RoamingAppData();
+      case Base::kWindows: return WindowsDirectoryWithBackslash();
+      case Base::kCurrentUser:
+      case Base::kUrlCache: break;
+    }
+    return {};
   }
 
   // The base, fetched afresh, joined with the step's path, and a closing

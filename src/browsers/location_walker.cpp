@@ -1,6 +1,7 @@
 #include "browsers/location_walker.h"
 
 #include "task/folder_walk.h"
+#include "task/link_rule.h"
 #include "task/trace_file.h"
 
 namespace scourel {
@@ -11,14 +12,6 @@ namespace {
 // browser holds open for writing fails and is left, uncounted.
 constexpr TraceRule kListedFile{Probe::kRead, SizeFrom::kListing};
 constexpr TraceRule kSingleFile{Probe::kRead, SizeFrom::kReadOpen};
-
-bool IsLink(const std::wstring& path) {
-  std::wstring bare = path;
-  // With its closing backslash the path would name what a link points at.
-  while (bare.size() > 3 && bare.back() == L'\\') bare.pop_back();
-  const DWORD attributes = ::GetFileAttributesW(bare.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
-}
 
 bool Takes(const FolderShape& shape, const wchar_t* name, const std::wstring& path) {
   switch (shape.take) {
@@ -56,12 +49,16 @@ bool HoldsAfterStart(std::wstring_view text, std::wstring_view word) {
   return at != std::wstring_view::npos && at > 0;
 }
 
-void LocationWalker::VisitFolder(const std::wstring& folder, Treatment treatment) {
-  if (IsLink(folder)) return;
-  Walk(folder, ShapeOf(treatment));
+void LocationWalker::VisitFolder(const std::wstring& base, const std::wstring& folder, Treatment treatment) {
+  // The bare form lists names that begin with its last component: the folder
+  // it lists in is the location.
+  const std::wstring listed =
+      treatment == Treatment::kIndexFilesBare ? folder.substr(0, folder.rfind(L'\\') + 1) : folder;
+  if (!ReachedWithoutLinks(base, listed)) return;
+  Walk(folder, ShapeOf(treatment), 0);
 }
 
-void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) {
+void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape, int depth) {
   const Tally current = context_.totals.browser.current.tally();
   ForEachEntry(context_, folder + std::wstring(shape.mask), [&](const WIN32_FIND_DATAW& entry) {
     ClearReadOnly(context_, folder, entry);
@@ -69,7 +66,7 @@ void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) 
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = folder + entry.cFileName;
     if (IsFolder(entry)) {
-      if (shape.recurse) Walk(path + L"\\", shape);
+      if (shape.recurse && depth < kMaxFolderDepth) Walk(path + L"\\", shape, depth + 1);
       return;
     }
     if (Takes(shape, entry.cFileName, path)) TakeTraceFile(context_, FromListing(path, entry), kListedFile, current);
@@ -78,9 +75,9 @@ void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape) 
   if (shape.removeFolders && !context_.stopped()) (void)context_.io.RemoveFolder(folder);
 }
 
-bool LocationWalker::VisitFile(const std::wstring& path, Tally tally) {
+bool LocationWalker::VisitFile(const std::wstring& base, const std::wstring& path, Tally tally) {
+  if (!ReachedWithoutLinks(base, path)) return false;
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
-  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return false;
   return TakeTraceFile(context_, TraceFile{path, 0, attributes}, kSingleFile, tally);
 }
 

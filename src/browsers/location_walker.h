@@ -50,15 +50,16 @@ class LocationWalker {
   // takes to the current-location pair. Read-only is cleared on every listed
   // entry and folders are removed even when measuring: a scan leaves files
   // but not empty folders. Links are never entered, taken or removed, and a
-  // location that is itself a link is not visited.
-  void VisitFolder(const std::wstring& folder, Treatment treatment);
+  // location reached through a link below `base` is not visited.
+  void VisitFolder(const std::wstring& base, const std::wstring& folder, Treatment treatment);
   // The single-file treatment: when the file opens for reading with share
   // read, it is counted on `tally`, sized through that open and, when
-  // erasing, shredded. A link is left alone. True when it was counted.
-  bool VisitFile(const std::wstring& path, Tally tally);
+  // erasing, shredded. A file reached through a link below `base` is left
+  // alone. True when it was counted.
+  bool VisitFile(const std::wstring& base, const std::wstring& path, Tally tally);
 
  private:
-  void Walk(const std::wstring& folder, const FolderShape& shape);
+  void Walk(const std::wstring& folder, const FolderShape& shape, int depth);
 
   const TaskContext& context_;
 };

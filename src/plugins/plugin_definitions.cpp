@@ -1,8 +1,9 @@
 #include "plugins/plugin_definitions.h"
 
-#include "common/registry_key.h"
+#include "common/registry_links.h"
 #include "plugins/plugin_files.h"
 #include "task/folder_walk.h"
+#include "task/link_rule.h"
 #include "task/trace_file.h"
 
 namespace scourel {
@@ -40,13 +41,14 @@ class PluginWalk {
 
  private:
   void Key(const RegistryTarget& target, Tally tally) {
-    if (!OpenRegKey(target.root, target.subkey, KEY_ALL_ACCESS)) return;
+    // A key that is a registry link is counted and goes as a link.
+    if (!OpenRegKeyUnfollowed(target.root, target.subkey, KEY_ALL_ACCESS).opened) return;
     if (context_.erasing()) (void)context_.io.DeleteKeyTree(target.root, target.subkey);
     context_.Record([&] { tally.count.add(1); });
   }
 
   void Value(const RegistryTarget& target, Tally tally) {
-    const OpenedKey key = OpenRegKey(target.root, target.subkey, KEY_ALL_ACCESS);
+    const OpenedKey key = OpenRegKeyWithoutLinks(target.root, target.subkey, KEY_ALL_ACCESS);
     if (!key) return;
     // The scan does not look the value up; the clean counts only what it deleted.
     if (!context_.erasing() || !context_.io.DeleteValue(key.get(), target.valueName)) {
@@ -56,13 +58,12 @@ class PluginWalk {
 
   // Nothing is followed through a link: a path that passes through one below
   // its token's folder is skipped whole, so a link cannot carry a plug-in
-  // into a folder the refusal rules keep it out of.
+  // into a folder the refusal rules keep it out of. A pattern's location is
+  // the folder it lists.
   static bool PassesThroughLink(const FileTarget& target) {
-    for (size_t at = target.path.find(L'\\', target.baseLength + 1); at != std::wstring::npos;
-         at = target.path.find(L'\\', at + 1)) {
-      if (IsLink(::GetFileAttributesW(target.path.substr(0, at).c_str()))) return true;
-    }
-    return false;
+    const std::wstring base = target.path.substr(0, target.baseLength);
+    const std::wstring location = target.wildcard ? target.path.substr(0, target.path.rfind(L'\\')) : target.path;
+    return !ReachedWithoutLinks(base, location);
   }
 
   void File(const FileTarget& target, Tally tally) {
@@ -97,12 +98,13 @@ class PluginWalk {
 
   // A folder entry goes with everything in it, each file shredded. A link
   // inside is neither entered nor removed, and keeps its folders in place.
-  void Folder(const std::wstring& folder, Tally tally) {
+  void Folder(const std::wstring& folder, Tally tally, int depth = 0) {
     ForEachEntry(context_, folder + L"\\*", [&](const WIN32_FIND_DATAW& entry) {
       if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
       const std::wstring path = folder + L"\\" + entry.cFileName;
       if (IsFolder(entry)) {
-        Folder(path, tally);
+        if (depth >= kMaxFolderDepth) return;
+        Folder(path, tally, depth + 1);
         Remove(path, entry.dwFileAttributes);
         return;
       }

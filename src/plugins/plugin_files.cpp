@@ -1,9 +1,38 @@
 #include "plugins/plugin_files.h"
 
+#include <knownfolders.h>
+
 #include "common/known_folders.h"
 #include "common/unique_handle.h"
 
 namespace scourel {
+
+namespace {
+
+// The user folders that have a known-folder id but no CSIDL, with the name
+// each has below the profile when the system does not say where it is.
+struct UserFolder {
+  const KNOWNFOLDERID* id;
+  const wchar_t* name;
+};
+const UserFolder kUserFolders[] = {
+    {&FOLDERID_Downloads, L"Downloads"}, {&FOLDERID_Desktop, L"Desktop"},     {&FOLDERID_Documents, L"Documents"},
+    {&FOLDERID_Pictures, L"Pictures"},   {&FOLDERID_Music, L"Music"},         {&FOLDERID_Videos, L"Videos"},
+    {&FOLDERID_SavedGames, L"Saved Games"}, {&FOLDERID_SkyDrive, L"OneDrive"}, {&FOLDERID_Favorites, L"Favorites"},
+    {&FOLDERID_Links, L"Links"},         {&FOLDERID_Contacts, L"Contacts"},   {&FOLDERID_SavedSearches, L"Searches"},
+    {&FOLDERID_PublicDownloads, nullptr},
+};
+
+std::wstring KnownFolder(const KNOWNFOLDERID& id) {
+  wchar_t* path = nullptr;
+  std::wstring result;
+  // Where it would be, whether or not it exists yet.
+  if (SUCCEEDED(::SHGetKnownFolderPath(id, KF_FLAG_DONT_VERIFY, nullptr, &path)) && path) result = path;
+  ::CoTaskMemFree(path);
+  return result;
+}
+
+}  // namespace
 
 std::wstring PluginsFolder(const std::wstring& installRoot) { return installRoot + L"\\plugins"; }
 
@@ -73,6 +102,10 @@ PluginFolders SystemPluginFolders() {
         CSIDL_ADMINTOOLS, CSIDL_COMMON_ADMINTOOLS, CSIDL_SYSTEM, CSIDL_SYSTEMX86, CSIDL_RESOURCES,
         CSIDL_CDBURN_AREA}) {
     folders.special.push_back(SpecialFolder(csidl));
+  }
+  for (const UserFolder& folder : kUserFolders) {
+    folders.special.push_back(KnownFolder(*folder.id));
+    if (folder.name && !folders.profile.empty()) folders.special.push_back(folders.profile + L"\\" + folder.name);
   }
   return folders;
 }

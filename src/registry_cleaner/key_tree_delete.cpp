@@ -1,6 +1,6 @@
 #include "registry_cleaner/key_tree_delete.h"
 
-#include "common/registry_key.h"
+#include "common/registry_links.h"
 #include "common/registry_paths.h"
 
 namespace scourel {
@@ -18,7 +18,8 @@ int DeleteTree(CleanerIo& io, HKEY root, const std::wstring& path, REGSAM view, 
     ++deleted;
     return 0;
   }
-  const OpenedKey key = OpenRegKey(root, path, KEY_ALL_ACCESS | view);
+  // A link fails here, and the direct delete above took it as a link.
+  const OpenedKey key = OpenRegKeyWithoutLinks(root, path, KEY_ALL_ACCESS | view);
   if (!key) return -1;
   const std::wstring base = path.empty() || path.back() != L'\\' ? path + L'\\' : path;
   std::wstring child = EnumSubkeyName(key.get(), 0);

@@ -1,6 +1,7 @@
 #include "registry_cleaner/registry_fix.h"
 
 #include "common/registry_key.h"
+#include "common/registry_links.h"
 #include "common/registry_paths.h"
 #include "registry_cleaner/key_tree_delete.h"
 
@@ -10,7 +11,8 @@ namespace {
 
 constexpr REGSAM kViewBits = KEY_WOW64_32KEY | KEY_WOW64_64KEY;
 
-// The row's key, for full access, with the view it opened in.
+// The row's key, for full access, with the view it opened in; a row reached
+// through a registry link is left.
 struct RowKey {
   OpenedKey key;
   REGSAM view = 0;
@@ -18,7 +20,7 @@ struct RowKey {
 
 RowKey OpenRow(HKEY root, const std::wstring& path) {
   for (REGSAM mask : {KEY_ALL_ACCESS, KEY_ALL_ACCESS | KEY_WOW64_32KEY, KEY_ALL_ACCESS | KEY_WOW64_64KEY}) {
-    if (OpenedKey opened = OpenRegKey(root, path, mask)) return {std::move(opened), mask & kViewBits};
+    if (OpenedKey opened = OpenRegKeyWithoutLinks(root, path, mask)) return {std::move(opened), mask & kViewBits};
   }
   return {};
 }
@@ -27,7 +29,7 @@ RowKey OpenRow(HKEY root, const std::wstring& path) {
 void DeleteParentIfEmpty(CleanerIo& io, HKEY root, const std::wstring& path, REGSAM view) {
   const std::size_t slash = path.rfind(L'\\');
   if (slash == std::wstring::npos || slash == 0) return;
-  const OpenedKey parent = OpenRegKey(root, path.substr(0, slash), KEY_ALL_ACCESS | view);
+  const OpenedKey parent = OpenRegKeyWithoutLinks(root, path.substr(0, slash), KEY_ALL_ACCESS | view);
   if (!parent) return;
   const KeyCounts counts = CountsOf(parent.get());
   // Through its own handle, so the key deleted is the key found empty.

@@ -1,5 +1,6 @@
 #include "task/cleaner_io.h"
 
+#include "common/registry_links.h"
 #include "common/status.h"
 #include "common/unique_handle.h"
 
@@ -25,11 +26,13 @@ std::error_code CleanerIo::RemoveFolder(const std::wstring& path) {
 }
 
 std::error_code CleanerIo::DeleteKeyTree(HKEY root, const std::wstring& subkey) {
-  return Registry(::SHDeleteKeyW(root, subkey.c_str()));
+  return DeleteKeyTreeUnfollowed(root, subkey, 0);
 }
 
 std::error_code CleanerIo::DeleteKey(HKEY root, const std::wstring& subkey, REGSAM view) {
-  return Registry(::RegDeleteKeyExW(root, subkey.c_str(), view, 0));
+  if (subkey.empty()) return DeleteOpenedKey(root);
+  const UnfollowedKey key = OpenRegKeyUnfollowed(root, subkey, DELETE | view);
+  return key.opened ? DeleteOpenedKey(key.opened.get()) : key.opened.error();
 }
 
 std::error_code CleanerIo::DeleteValue(HKEY key, const std::wstring& name) {

@@ -25,10 +25,12 @@ class CleanerIo : public ShredIo {
   // RemoveDirectoryW: only an empty folder goes.
   [[nodiscard]] virtual std::error_code RemoveFolder(const std::wstring& path);
 
-  // SHDeleteKeyW: the key with everything below it.
+  // The key with everything below it. Never through a registry link: a link
+  // on the way fails the call, a link in the tree (or the key itself being
+  // one) is deleted as a link, and what it names stays.
   [[nodiscard]] virtual std::error_code DeleteKeyTree(HKEY root, const std::wstring& subkey);
-  // RegDeleteKeyExW: one key without subkeys, in the registry view given.
-  // `root` may be an open key and `subkey` empty: the key itself.
+  // One key without subkeys, in the registry view given, with the same care
+  // for links. `root` may be an open key and `subkey` empty: the key itself.
   [[nodiscard]] virtual std::error_code DeleteKey(HKEY root, const std::wstring& subkey, REGSAM view);
   // RegDeleteValueW through an open key.
   [[nodiscard]] virtual std::error_code DeleteValue(HKEY key, const std::wstring& name);

@@ -1,6 +1,7 @@
 #include "task/trace_file.h"
 
 #include "task/file_probe.h"
+#include "task/link_rule.h"
 
 namespace scourel {
 
@@ -24,7 +25,16 @@ bool PassesProbe(const TaskContext& context, const TraceFile& file, const TraceR
 }  // namespace
 
 bool TakeTraceFile(const TaskContext& context, const TraceFile& file, const TraceRule& rule, Tally tally) {
-  if (context.stopped() || !PassesProbe(context, file, rule)) return false;
+  // What a listing shows as a folder or a link is not a file of ours to
+  // overwrite: it is counted as found, and left. A file that shows plain but
+  // whose name reaches another file (a unix symlink under Wine) is a location
+  // reached through a link: neither counted nor touched.
+  const bool plainFile = !(file.attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));
+  const std::wstring folder = file.path.substr(0, file.path.rfind(L'\\') + 1);
+  if (context.stopped() || (plainFile && !ReachedWithoutLinks(folder, file.path)) ||
+      !PassesProbe(context, file, rule)) {
+    return false;
+  }
   std::uint64_t size = 0;
   switch (rule.size) {
     case SizeFrom::kListing: size = file.listedSize; break;
@@ -36,9 +46,6 @@ bool TakeTraceFile(const TaskContext& context, const TraceFile& file, const Trac
     if (rule.size != SizeFrom::kNothing) AddBytes(tally.bytes, size);
   });
   if (!counted) return false;
-  // What a listing shows as a folder or a link is not a file of ours to
-  // overwrite: it is counted as found, and left.
-  const bool plainFile = !(file.attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));
   if (context.erasing() && plainFile) ShredFile(context, file.path);
   return true;
 }

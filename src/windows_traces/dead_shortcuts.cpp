@@ -7,6 +7,7 @@
 #include "common/unique_handle.h"
 #include "common/win.h"
 #include "task/folder_walk.h"
+#include "task/link_rule.h"
 #include "task/trace_file.h"
 #include "windows_traces/junk_paths.h"
 
@@ -36,11 +37,22 @@ bool ReadShortcutTarget(const std::wstring& path, std::wstring& target) {
   return true;
 }
 
+// A target that cannot name a real path is unknown, never missing: "?"
+// stands in for what the shell could not spell (Wine's GetPath gives it for
+// every character outside the ANSI page), "*" names no file, and a drive
+// that is not mapped may be a disk not plugged in.
+bool Resolvable(const std::wstring& target) {
+  if (target.find_first_of(L"?*") != std::wstring::npos) return false;
+  if (target[1] != L':') return true;
+  const wchar_t root[] = {target[0], L':', L'\\', L'\0'};
+  return ::GetDriveTypeW(root) != DRIVE_NO_ROOT_DIR;
+}
+
 struct ShortcutWalk {
   const TaskContext& context;
   bool rewriteSystem32;
 
-  void Walk(const std::wstring& folder) const {
+  void Walk(const std::wstring& folder, int depth = 0) const {
     // The Start Menu folder is given with its backslash; the paths handed on
     // (to the shredder above all) get a single one.
     const std::wstring prefix = WithBackslash(folder);
@@ -48,7 +60,7 @@ struct ShortcutWalk {
       if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
       const std::wstring path = prefix + entry.cFileName;
       if (!HasShortcutMark(entry.cFileName)) {
-        if (IsFolder(entry)) Walk(path);
+        if (IsFolder(entry) && depth < kMaxFolderDepth) Walk(path, depth + 1);
         return;
       }
       if (ContainsAfterFirst(path, L"Accessories")) return;
@@ -58,7 +70,7 @@ struct ShortcutWalk {
         ::MessageBoxW(nullptr, L"Instance fails", L"Corvane Vellum", MB_OK);
         return;
       }
-      if (target.size() < 2) return;
+      if (target.size() < 2 || !Resolvable(target)) return;
       if (rewriteSystem32) target = SysnativeTarget(target);
       if (::PathFileExistsW(target.c_str())) return;
       // Dead: the measuring walk counts it without its size.
@@ -82,12 +94,15 @@ void DeadShortcuts(const TaskContext& context) {
   // The measuring walk reads targets as they stand.
   const ShortcutWalk walk{context, context.erasing() && TargetsNeedSysnative()};
   // The Start Menu of all users, the public desktop, then the whole profile.
+  // Each is walked only when no link leads to it from its base folder.
   const std::wstring drive = WindowsDrive();
-  if (!drive.empty()) walk.Walk(drive + L":\\ProgramData\\Microsoft\\Windows\\Start Menu\\");
+  const std::wstring startMenu = drive + L":\\ProgramData\\Microsoft\\Windows\\Start Menu\\";
+  if (!drive.empty() && ReachedWithoutLinks(drive + L":\\", startMenu)) walk.Walk(startMenu);
   if (context.stopped()) return;
   const std::wstring profile = ShellFolderPath(CSIDL_PROFILE);
   if (profile.empty()) return;
-  walk.Walk(ParentOf(profile) + L"\\Public\\Desktop");
+  const std::wstring publicDesktop = ParentOf(profile) + L"\\Public\\Desktop";
+  if (ReachedWithoutLinks(ParentOf(profile), publicDesktop)) walk.Walk(publicDesktop);
   if (context.stopped()) return;
   walk.Walk(profile);
 }

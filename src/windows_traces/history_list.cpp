@@ -2,13 +2,17 @@
 
 #include <cstring>
 
-#include "common/registry_key.h"
+#include "common/registry_links.h"
 
 namespace scourel {
 
 namespace {
 
-OpenedKey OpenListKey(HKEY root, const std::wstring& path) { return OpenRegKey(root, path, KEY_ALL_ACCESS); }
+// A list reached through a registry link is not this user's list: neither
+// counted nor emptied.
+OpenedKey OpenListKey(HKEY root, const std::wstring& path) {
+  return OpenRegKeyWithoutLinks(root, path, KEY_ALL_ACCESS);
+}
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "common/known_folders.h"
+#include "task/link_rule.h"
 #include "windows_traces/junk_walker.h"
 
 namespace scourel {
@@ -13,21 +14,28 @@ void JunkFiles(const TaskContext& context) {
   JunkWalker walker(context);
   const std::wstring windows = WindowsDirectory();
 
+  // Each place is walked only when no link leads to it from its base folder.
   const std::wstring temp = TempFolder();
   if (!temp.empty()) walker.TempFolderWalk(WithBackslash(temp), false, true);
   if (context.stopped()) return;
-  if (!windows.empty()) walker.TempFolderWalk(WithBackslash(windows + L"\\temp"), false, true);
+  const std::wstring windowsTemp = windows + L"\\temp";
+  if (!windows.empty() && ReachedWithoutLinks(windows, windowsTemp)) {
+    walker.TempFolderWalk(WithBackslash(windowsTemp), false, true);
+  }
   if (context.stopped() || windows.empty()) return;
 
-  walker.CountCrashDumps(windows + L"\\Minidump");
+  if (ReachedWithoutLinks(windows, windows + L"\\Minidump")) walker.CountCrashDumps(windows + L"\\Minidump");
   if (context.stopped()) return;
   walker.LogWalk(windows);
   if (context.stopped()) return;
 
-  walker.ReportFolderStep(WindowsDrive() + L":\\ProgramData\\Microsoft\\Windows\\WER");
+  const std::wstring root = WindowsDrive() + L":\\";
+  const std::wstring sharedReports = root + L"ProgramData\\Microsoft\\Windows\\WER";
+  if (ReachedWithoutLinks(root, sharedReports)) walker.ReportFolderStep(sharedReports);
   if (context.stopped()) return;
   const std::wstring local = ShellFolderPath(CSIDL_LOCAL_APPDATA);
-  if (!local.empty()) walker.ReportFolderStep(local + L"\\Microsoft\\Windows\\WER");
+  const std::wstring ownReports = local + L"\\Microsoft\\Windows\\WER";
+  if (!local.empty() && ReachedWithoutLinks(local, ownReports)) walker.ReportFolderStep(ownReports);
 }
 
 }  // namespace scourel

@@ -7,14 +7,14 @@
 namespace scourel {
 
 void JunkWalker::TempFolderWalk(const std::wstring& folder, bool removeFolder, bool recurse) {
-  FileWalk(folder, removeFolder, recurse, false);
+  FileWalk(folder, removeFolder, recurse, false, 0);
 }
 
 void JunkWalker::TreeWalk(const std::wstring& folder, bool removeFolder, bool recurse) {
-  FileWalk(folder, removeFolder, recurse, true);
+  FileWalk(folder, removeFolder, recurse, true, 0);
 }
 
-void JunkWalker::FileWalk(const std::wstring& folder, bool removeFolder, bool recurse, bool treeWalk) {
+void JunkWalker::FileWalk(const std::wstring& folder, bool removeFolder, bool recurse, bool treeWalk, int depth) {
   // The temporary-folder walk takes what opens for reading and sizes it from
   // the listing; the tree walk takes what opens for reading and writing and
   // sizes it through an open.
@@ -28,7 +28,7 @@ void JunkWalker::FileWalk(const std::wstring& folder, bool removeFolder, bool re
     if (IsDotEntry(entry) || IsReparsePoint(entry)) return;
     const std::wstring path = folder + entry.cFileName;
     if (IsFolder(entry)) {
-      if (recurse) FileWalk(path + L"\\", true, recurse, treeWalk);
+      if (recurse && depth < kMaxFolderDepth) FileWalk(path + L"\\", true, recurse, treeWalk, depth + 1);
       return;
     }
     Take(path, entry, rule, counter);
@@ -49,13 +49,13 @@ void JunkWalker::CountCrashDumps(const std::wstring& folder) {
   });
 }
 
-void JunkWalker::LogWalk(const std::wstring& folder) {
+void JunkWalker::LogWalk(const std::wstring& folder, int depth) {
   ForEachEntry(context_, folder + L"\\*.*", [&](const WIN32_FIND_DATAW& entry) {
     const std::wstring path = folder + L"\\" + entry.cFileName;
     // Only a plain folder is entered: one with any further bit (hidden,
     // system, a link) is taken for a file, and so never walked.
     if (entry.dwFileAttributes == FILE_ATTRIBUTE_DIRECTORY) {
-      if (!IsLogWalkSkippedFolder(entry.cFileName)) LogWalk(path);
+      if (!IsLogWalkSkippedFolder(entry.cFileName) && depth < kMaxFolderDepth) LogWalk(path, depth + 1);
       return;
     }
     if (IsReparsePoint(entry) || !IsLogFileName(entry.cFileName)) return;

@@ -28,12 +28,12 @@ class JunkWalker {
   void CountCrashDumps(const std::wstring& folder);
   // "*.log" files below `folder` (no trailing backslash), entering only
   // entries whose attributes are exactly FILE_ATTRIBUTE_DIRECTORY.
-  void LogWalk(const std::wstring& folder);
+  void LogWalk(const std::wstring& folder, int depth = 0);
   // An error-report folder (no trailing backslash): walked by TreeWalk.
   void ReportFolderStep(const std::wstring& folder);
 
  private:
-  void FileWalk(const std::wstring& folder, bool removeFolder, bool recurse, bool treeWalk);
+  void FileWalk(const std::wstring& folder, bool removeFolder, bool recurse, bool treeWalk, int depth);
   // Probes, counts and, when erasing, shreds one file. The measuring form
   // remembers what it counted, so that a later step of the same pass skips
   // it as it would find it gone after a clean.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/final_path.h"
 #include "common/text.h"
 #include "wipe/obscure_name.h"
 #include "wipe/wipe_progress.h"
@@ -24,7 +25,7 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   // A symbolic link is deleted itself; its target is never written, and its
   // attributes are not touched either (setting them would reach the target).
   if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
-    return RenameAndDeleteUnlessStopped(path) ? ShredOutcome::kDeletedWithoutOverwrite : ShredOutcome::kStopped;
+    return RemoveUnlessStopped(path, Name::kLink) ? ShredOutcome::kDeletedWithoutOverwrite : ShredOutcome::kStopped;
   }
 
   // Clears read-only, hidden and system so the file opens and deletes. When
@@ -53,7 +54,19 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   DWORD handleAttributes = 0;
   DWORD linkCount = 1;
   if (io_.Identity(file.get(), &handleAttributes, &linkCount)) return ShredOutcome::kLeftInPlace;
-  const bool shared = linkCount > 1 || (handleAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
+  const Name name = (handleAttributes & FILE_ATTRIBUTE_REPARSE_POINT) ? Name::kLink : Name::kFile;
+  // Only the file that was named is touched: a handle that reached another
+  // (through a link the attributes did not show, such as a unix symlink
+  // under Wine, or a folder on the path swapped for a junction since the
+  // listing) gets no byte written, and the name stays, since deleting or
+  // renaming it would reach that other file too.
+  std::wstring reached;
+  if (io_.FinalPath(file.get(), &reached)) return ShredOutcome::kLeftInPlace;
+  if (name == Name::kFile && !SamePathName(path, reached)) {
+    io_.Close(file);
+    return ShredOutcome::kReachesAnotherFile;
+  }
+  const bool shared = linkCount > 1 || name == Name::kLink;
 
   ShredOutcome outcome = ShredOutcome::kDeletedWithoutOverwrite;
   if (!shared) {
@@ -74,17 +87,26 @@ ShredOutcome CFileShred::Shred(const std::wstring& path, std::uint32_t method) {
   io_.Close(file);
   ReleaseRandomKey();
   // A stop during the last cluster or the flush still leaves the name alone.
-  return RenameAndDeleteUnlessStopped(path) ? outcome : ShredOutcome::kStopped;
+  return RemoveUnlessStopped(path, name) ? outcome : ShredOutcome::kStopped;
 }
 
-bool CFileShred::RenameAndDeleteUnlessStopped(const std::wstring& path) {
+bool CFileShred::RemoveUnlessStopped(const std::wstring& path, Name name) {
+  // A link is deleted under its own name: a rename through it can move the
+  // file it points to instead (Wine renames a unix symlink's target).
+  const auto remove = [&] {
+    if (name == Name::kLink) {
+      (void)io_.Delete(path);
+    } else {
+      RenameAndDelete(path);
+    }
+  };
   if (stop_ == nullptr) {
-    RenameAndDelete(path);
+    remove();
     return true;
   }
   // Under the flag's lock: a stop answered first leaves the name alone, and
   // one that comes meanwhile is answered once the file is gone, never before.
-  return stop_->RunUnlessRaised([&] { RenameAndDelete(path); });
+  return stop_->RunUnlessRaised(remove);
 }
 
 CFileShred::Overwrite CFileShred::OverwriteClusters(HANDLE file, std::uint64_t size, std::uint32_t clusterSize,

@@ -17,6 +17,7 @@ enum class ShredOutcome {
   kStopped,                  // the task was stopped mid-overwrite: left under its own name
   kOverwrittenAndDeleted,    // every pass written, then renamed and deleted
   kDeletedWithoutOverwrite,  // renamed and deleted, its data not (or not fully) overwritten
+  kReachesAnotherFile,       // the name leads to another file: nothing written, renamed or deleted
 };
 
 // 1 when the file was handed to deletion, 0 when it was left in place.
@@ -41,8 +42,10 @@ class CFileShred : public CEraserJunkData {
   Overwrite OverwriteClusters(HANDLE file, std::uint64_t size, std::uint32_t clusterSize, std::uint32_t method);
   // Renames, then deletes under the new name.
   void RenameAndDelete(const std::wstring& path);
-  // False, touching nothing, when the task was stopped.
-  bool RenameAndDeleteUnlessStopped(const std::wstring& path);
+  enum class Name { kFile, kLink };
+  // A file is renamed and deleted, a link only deleted. False, touching
+  // nothing, when the task was stopped.
+  bool RemoveUnlessStopped(const std::wstring& path, Name name);
 
   ShredIo& io_;
   const StopFlag* stop_;

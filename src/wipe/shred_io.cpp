@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "common/final_path.h"
 #include "common/status.h"
 
 namespace scourel {
@@ -61,6 +62,11 @@ std::error_code ShredIo::Identity(HANDLE file, DWORD* attributes, DWORD* linkCou
   *attributes = info.dwFileAttributes;
   *linkCount = info.nNumberOfLinks;
   return {};
+}
+
+std::error_code ShredIo::FinalPath(HANDLE file, std::wstring* path) {
+  *path = FinalPathOf(file);
+  return path->empty() ? LastError() : std::error_code();
 }
 
 std::error_code ShredIo::Seek(HANDLE file, std::uint64_t offset) {

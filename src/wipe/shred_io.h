@@ -35,6 +35,8 @@ class ShredIo {
   [[nodiscard]] virtual std::error_code FileSize(HANDLE file, std::uint64_t* size);
   // Attributes and link count as the open handle sees them.
   [[nodiscard]] virtual std::error_code Identity(HANDLE file, DWORD* attributes, DWORD* linkCount);
+  // The path the open handle really reached, "\\?\" prefix included.
+  [[nodiscard]] virtual std::error_code FinalPath(HANDLE file, std::wstring* path);
   // Absolute 64-bit seek from the start of the file.
   [[nodiscard]] virtual std::error_code Seek(HANDLE file, std::uint64_t offset);
   // Fails when fewer than `length` bytes were written.

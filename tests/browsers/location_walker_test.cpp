@@ -63,7 +63,7 @@ TEST(LocationWalkerTest, ClearsReadOnlyOnEveryListedEntryThenRemovesTheEmptiedFo
     ReadOnlyFoldersIo io;
     io.dotDotAlso = c.dotDotAlso;
     const TaskContext context{g_totals, io, nullptr, 0, Mode::kErase, nullptr, L"", L""};
-    LocationWalker(context).VisitFolder(top, Treatment::kWholeTree);
+    LocationWalker(context).VisitFolder(dir.path(), top, Treatment::kWholeTree);
 
     std::vector<std::wstring> expected = {L"A " + sub + L"..", L"A " + sub + L".", L"X " + sub,
                                           L"A " + top + L"..", L"A " + top + L".", L"X " + top};

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/registry_paths.h"
+#include "plugins/plugin_files.h"
 
 namespace scourel {
 namespace {
@@ -65,6 +66,20 @@ TEST(PluginTargetsTest, FileEntriesAndEveryRefusal) {
   // Links are looked for below the token's folder, wherever ".." led.
   EXPECT_EQ(File(L"%AppData%\\Foo\\x").file.baseLength, MadeUpSystem().tokens[0].size());
   EXPECT_EQ(File(L"%AppData%\\..\\Local\\x").file.baseLength, std::wstring(L"D:\\Data\\Users\\me\\AppData").size());
+}
+
+// The system's own folders: every user folder, with a CSIDL or only a
+// known-folder id, is refused whole, however the entry reaches it.
+TEST(PluginTargetsTest, EveryUserFolderOfTheSystemIsRefusedWhole) {
+  const PluginFolders system = SystemPluginFolders();
+  for (const wchar_t* name : {L"Downloads", L"Desktop", L"Documents", L"Pictures", L"Music", L"Videos",
+                              L"Saved Games", L"OneDrive", L"Favorites", L"Links", L"Contacts", L"Searches"}) {
+    for (const std::wstring& value : {L"%UserProfile%\\" + std::wstring(name),
+                                      L"%AppData%\\..\\..\\" + std::wstring(name) + L"\\*.*"}) {
+      EXPECT_EQ(File(value, system).refusal, "a whole special folder") << value;
+    }
+  }
+  EXPECT_EQ(File(L"%UserProfile%\\Downloads\\setup.tmp", system).refusal, "");
 }
 
 TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {

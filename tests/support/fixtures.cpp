@@ -125,6 +125,17 @@ bool Link(const wchar_t* how, const std::wstring& target, const std::wstring& li
 bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link) { return Link(L"-s ", target, link); }
 bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link) { return Link(L"", existing, link); }
 
+bool MakeRegistryLink(HKEY root, const std::wstring& path, const std::wstring& machinePath) {
+  UniqueRegKey link;
+  if (::RegCreateKeyExW(root, path.c_str(), 0, nullptr, REG_OPTION_CREATE_LINK, KEY_ALL_ACCESS | KEY_CREATE_LINK,
+                        nullptr, link.put(), nullptr) != ERROR_SUCCESS) {
+    return false;
+  }
+  const std::wstring target = L"\\Registry\\Machine\\" + machinePath;  // no closing null
+  return ::RegSetValueExW(link.get(), L"SymbolicLinkValue", 0, REG_LINK, reinterpret_cast<const BYTE*>(target.data()),
+                          static_cast<DWORD>(target.size() * sizeof(wchar_t))) == ERROR_SUCCESS;
+}
+
 void RemoveUnixLink(const std::wstring& link) {
   if (PathExists(link)) RunUnix(L"rm -f '" + UnixPath(link) + L"'", link, false);
 }

@@ -54,6 +54,12 @@ bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link);
 // Removes a link made from the host side (Wine cannot delete those itself).
 void RemoveUnixLink(const std::wstring& link);
 
+// A registry link at root\path (its parents created) naming the key
+// HKEY_LOCAL_MACHINE\<machinePath>; false when it could not be made. Remove
+// it with the cleaners' own link-safe tree deletion, never RegDeleteTreeW,
+// which empties what a link names.
+bool MakeRegistryLink(HKEY root, const std::wstring& path, const std::wstring& machinePath);
+
 // HKCU\Software\ScourelTests\<name>, created fresh and deleted afterwards.
 class ScratchKey {
  public:

@@ -51,11 +51,17 @@ struct PlantedJunk {
 struct PlantedShortcuts {
   explicit PlantedShortcuts(const std::wstring& canary) : canaryLink(canary + L"\\dead-in-canary.lnk") {
     MakeDirs(targets / L"folder");
+    MakeDirs(targets / L"\U0001F600");
+    WriteFileBytes(targets / L"\U0001F600\\app.exe", "x");
     for (const wchar_t* name : {L"alive.txt", L"gone.txt", L"gone2.txt"}) WriteFileBytes(targets / name, "x");
     WriteFileBytes(system32, "probe");
     for (const std::wstring& folder : {profile, menu, accessories}) MakeDirs(folder);
     for (const std::wstring& link : dead) ok = CreateShortcut(link, targets / L"gone.txt") && ok;
-    for (const auto& [link, target] : kept) ok = CreateShortcut(link, target) && ok;
+    for (const auto& [link, target] : kept) {
+      // The last two never read back as saved: Wine's GetPath gives "?" for a
+      // name outside the ANSI page, and a drive that is not mapped is unknown.
+      ok = (CreateShortcut(link, target) || (&target >= &kept[4].second && PathExists(link))) && ok;
+    }
     ok = CreateShortcut(canaryLink, targets / L"gone2.txt") && MakeUnixSymlink(canary, profile + L"\\linked") && ok;
     canaryBytes = ReadFileBytes(canaryLink);
     for (const wchar_t* name : {L"gone.txt", L"gone2.txt"}) ::DeleteFileW((targets / name).c_str());
@@ -69,9 +75,10 @@ struct PlantedShortcuts {
       ShellFolderPath(CSIDL_WINDOWS).substr(0, 3) + L"Windows\\system32\\scourel-e2e-probe.txt";
   const std::wstring dead[2] = {ShellFolderPath(CSIDL_COMMON_DESKTOPDIRECTORY) + L"\\scourel-e2e-dead.lnk",
                                 menu + L"\\dead.lnk"};
-  const std::pair<std::wstring, std::wstring> kept[4] = {
+  const std::pair<std::wstring, std::wstring> kept[6] = {
       {profile + L"\\live.lnk", targets / L"alive.txt"}, {profile + L"\\folder.LNK", targets / L"folder"},
-      {accessories + L"\\dead.lnk", targets / L"gone.txt"}, {profile + L"\\system32.lnk", system32}};
+      {accessories + L"\\dead.lnk", targets / L"gone.txt"}, {profile + L"\\system32.lnk", system32},
+      {profile + L"\\astral.lnk", targets / L"\U0001F600\\app.exe"}, {profile + L"\\unmapped.lnk", L"Q:\\app.exe"}};
   const std::wstring canaryLink;
   std::string canaryBytes;
   std::uint64_t deadSize = 0;

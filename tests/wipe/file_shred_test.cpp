@@ -32,7 +32,9 @@ struct RecordingIo : ShredIo {
   int failWrite = 0;       // 1-based write to fail
   int stopAfterWrite = 0;  // 1-based write after which the task is stopped
   bool failIdentity = false;
-  int link = 0;  // 1: the path shows a reparse point; 2: only the opened handle does (swapped in meanwhile)
+  // 1: the path shows a reparse point; 2: only the opened handle does (swapped in meanwhile);
+  // 3: the path is a unix symlink to a file, which Wine shows with plain attributes
+  int link = 0;
   std::function<void()> onRename;
   StopFlag stop;
   std::string trace;
@@ -182,8 +184,11 @@ const TraceCase kTraces[] = {
     // A link count that cannot be read: nothing proves the data is this name's alone.
     {7, 0, 0, 8, 512, 0, "A O", 0, kKept, 0, true},
     // A link goes itself: its target is never written, nor its attributes set, also when swapped in late.
-    {7, 0, 0, 8, 512, 0, "R D", 7, ShredOutcome::kDeletedWithoutOverwrite, 0, false, 1},
-    {7, 0, 0, 8, 512, 0, "A O C R D", 7, ShredOutcome::kDeletedWithoutOverwrite, 0, false, 2},
+    // A link is deleted under its own name, never renamed: Wine would rename its target.
+    {7, 0, 0, 8, 512, 0, "D", 7, ShredOutcome::kDeletedWithoutOverwrite, 0, false, 1},
+    {7, 0, 0, 8, 512, 0, "A O C D", 7, ShredOutcome::kDeletedWithoutOverwrite, 0, false, 2},
+    // A name whose handle reaches another file stays, and so does that file.
+    {7, 0, 0, 8, 512, 0, "A O C", 7, ShredOutcome::kReachesAnotherFile, 0, false, 3},
     {7, kRO | kHidden | kSystem, 0, 8, 512, 0, kOneWrite, kCluster},
     // Only the low 8 bits of sectors per cluster and low 16 of bytes per sector count.
     {7, 0, 0, 0x108, 512, 0, kOneWrite, kCluster},
@@ -200,8 +205,11 @@ TEST(Shred, TraceTable) {
   for (const TraceCase& c : kTraces) {
     SCOPED_TRACE(c.trace);
     test::ScratchDir dir(L"shred_trace");
-    const std::wstring path = dir / L"file.dat";
-    test::WriteFileBytes(path, std::string(c.size, 'q'));
+    const std::wstring path = dir / L"file.dat", target = dir / L"target.dat";
+    test::WriteFileBytes(c.link == 3 ? target : path, std::string(c.size, 'q'));
+    if (c.link == 3) {
+      ASSERT_TRUE(test::MakeUnixSymlink(target, path));
+    }
     ASSERT_TRUE(::SetFileAttributesW(path.c_str(), c.attributes | FILE_ATTRIBUTE_ARCHIVE));
     RecordingIo io;
     std::tie(io.sectorsPerCluster, io.bytesPerSector, io.failWrite) = std::tie(c.spc, c.bps, c.failWrite);
@@ -219,6 +227,10 @@ TEST(Shred, TraceTable) {
       EXPECT_EQ(io.sizeAtDelete, c.sizeAtDelete);
       EXPECT_FALSE(test::PathExists(path));
       EXPECT_FALSE(test::PathExists(ObscuredPath(path)));
+    }
+    if (c.link == 3) {
+      EXPECT_EQ(test::ReadFileBytes(target), std::string(c.size, 'q'));
+      test::RemoveUnixLink(path);
     }
   }
 }

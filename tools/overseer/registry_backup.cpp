@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <set>
 
+#include "common/registry_links.h"
 #include "common/registry_paths.h"
 #include "common/unique_handle.h"
 #include "overseer/report_output.h"
@@ -67,8 +68,11 @@ std::wstring ValueLine(const std::wstring& name, DWORD type, const BYTE* data, D
 class RegText {
  public:
   std::optional<std::string> Tree(const Location& at, int depth = 0) {
-    scourel::UniqueRegKey key;
-    if (::RegOpenKeyExW(at.root, at.path.c_str(), 0, KEY_READ, key.put()) != ERROR_SUCCESS) {
+    // The fix deletes nothing through a registry link, and a link in a tree
+    // goes as a link: what it names is neither deleted nor written here.
+    const scourel::OpenedKey key = scourel::OpenRegKeyWithoutLinks(at.root, at.path, KEY_READ);
+    if (key.status == ERROR_CANT_RESOLVE_FILENAME) return std::nullopt;
+    if (!key) {
       scourel::UniqueRegKey twin;
       if (::RegOpenKeyExW(at.root, at.path.c_str(), 0, KEY_READ | KEY_WOW64_32KEY, twin.put()) == ERROR_SUCCESS) {
         return "cannot back up " + Utf8(at.rootName + L"\\" + at.path) + ": it is seen only in the 32-bit view";
@@ -104,8 +108,7 @@ class RegText {
   // The key alone: an import creates it when the fix took it along.
   void KeyOnly(const Location& at) {
     const std::wstring full = at.rootName + L"\\" + at.path;
-    scourel::UniqueRegKey key;
-    if (::RegOpenKeyExW(at.root, at.path.c_str(), 0, KEY_READ, key.put()) != ERROR_SUCCESS || !Writable(full)) return;
+    if (!scourel::OpenRegKeyWithoutLinks(at.root, at.path, KEY_READ) || !Writable(full)) return;
     if (headers_.count(Folded(full)) == 0) Header(full);
   }
 

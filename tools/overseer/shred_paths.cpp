@@ -65,6 +65,10 @@ void ShredTree(const std::wstring& path, unsigned method, ShredRun& run, bool li
     case scourel::ShredOutcome::kDeletedWithoutOverwrite:
       run.lines.push_back({path, "deleted, not overwritten (a link, or data another name shares)"});
       return;
+    case scourel::ShredOutcome::kReachesAnotherFile:
+      run.lines.push_back({path, "left: the name leads to another file (a link), which is not overwritten"});
+      run.allDone = false;
+      return;
     case scourel::ShredOutcome::kLeftInPlace:
     case scourel::ShredOutcome::kStopped: break;
   }
