@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <set>
 
 #include "common/known_folders.h"
 #include "overseer_runner.h"
@@ -165,6 +166,64 @@ TEST(PreviewTest, TotalsAreTheWorkersScanItemsThePlantedOnesAndNothingChanges) {
   EXPECT_NE(PreviewGroup(preview.out, "pc", "run_history")
                 .find("{\"kind\": \"key\", \"name\": \"" + runMru + "\", \"subkeys\": 0, \"values\": 3}"),
             npos);
+}
+
+// The items of a receipt's list below a folder, as "kind name[ reason]" lines.
+std::set<std::string> ItemsBelow(const std::string& list, const std::string& folder) {
+  std::set<std::string> items;
+  const std::regex item("\\{\"kind\": \"(\\w+)\", \"name\": \"([^\"]*)\"[^}]*?(?:\"reason\": \"([^\"]*)\")?\\}");
+  for (auto it = std::sregex_iterator(list.begin(), list.end(), item); it != std::sregex_iterator(); ++it) {
+    const std::string name = (*it)[2];
+    if (name.rfind(folder, 0) != 0) continue;
+    items.insert((*it)[1].str() + " " + name.substr(folder.size()) + ((*it)[3].matched ? " " + (*it)[3].str() : ""));
+  }
+  return items;
+}
+
+// A clean with a receipt: what it took, and what it left and why (a file
+// held open, a plug-in entry the worker refuses).
+TEST(PreviewTest, ReceiptListsWhatTheCleanTookAndWhatItLeftAndWhy) {
+  Installed worker(L"preview-receipt");
+  PlantedTemp temp;
+  ASSERT_TRUE(temp.holder);
+  const std::wstring plugins = worker / L"plugins", files = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\scourel-receipt";
+  const Cleanup planted = RemovedAtEnd({plugins, files});
+  PlantFile(files + L"\\a.log", std::string(200, 'a'));
+  PlantFile(files + L"\\keep.txt", "keep");
+  PlantFile(plugins + L"\\logs.cv",
+            "[Info]\r\nDeleteFile1=%LocalAppData%\\scourel-receipt\\*.log\r\nDeleteFile2=C:\\boot.ini\r\n");
+
+  const struct {
+    std::wstring target, root;
+    std::set<std::string> taken, left;
+  } cases[] = {
+      {L"junk", temp.folder,
+       {"file \\\\readonly.tmp", "file \\\\plain.tmp", "folder \\\\empty\\\\deeper", "folder \\\\empty"},
+       {"left \\\\held.tmp held open by another program"}},
+      {L"plugins", files, {"file \\\\a.log"}, {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.target.begin(), c.target.end()));
+    const std::wstring receipt = worker / (c.target + L".json");
+    const OverseerRun run = RunOverseer(worker.Worker(L"--timeout 120 --receipt \"" + receipt + L"\" clean " + c.target));
+    ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+    const std::string text = ReadFileBytes(receipt);
+    EXPECT_EQ(Value(text, "schema"), "overseer-receipt");
+    EXPECT_EQ(Value(text, "status"), "completed");
+    std::string summary = Value(text, "summary");  // as printed: JSON doubles each backslash
+    summary = std::regex_replace(summary, std::regex("\\\\\\\\"), "\\");
+    EXPECT_NE(run.out.find("receipt   " + summary + " ("), npos) << run.out << text;
+    const std::string root = Utf8Escaped(c.root);
+    EXPECT_EQ(ItemsBelow(Between(text, "\"taken\": [", "\n  ]"), root), c.taken) << text;
+    EXPECT_EQ(ItemsBelow(Between(text, "\"left\": [", "\n  ]"), root), c.left) << text;
+  }
+  // The refused entry is left, named as written.
+  const std::string text = ReadFileBytes(worker / L"plugins.json");
+  EXPECT_NE(Between(text, "\"left\": [", "\n  ]").find("{\"kind\": \"refused\", \"name\": \"C:\\\\boot.ini\", "
+                                                  "\"reason\": \"no folder token before the first \\\\\""),
+            npos) << text;
+  EXPECT_TRUE(PathExists(temp.held) && PathExists(files + L"\\keep.txt"));
+  EXPECT_FALSE(PathExists(files + L"\\a.log"));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "overseer/settings_writer.h"
 #include "plugins/plugin_definitions.h"
 #include "plugins/plugin_files.h"
+#include "plugins/plugin_targets.h"
 #include "registry_cleaner/registry_fix.h"
 #include "registry_cleaner/registry_issues.h"
 #include "registry_cleaner/registry_scan.h"
@@ -174,7 +175,16 @@ class PreviewRun {
       PreviewGroup& group = Group("plugins", {}, Narrow(name));
       const std::int32_t items = totals_.pluginItems.get();
       const float bytes = totals_.pluginBytes.get();
-      if (plugin.status == scourel::LoadStatus::kRead) scourel::RunPlugin(context_, plugin.definition);
+      if (plugin.status == scourel::LoadStatus::kRead) {
+        for (const scourel::PluginEntry& entry : plugin.definition.entries) {
+          const std::string_view refusal = scourel::ResolveEntry(entry, folders_).refusal;
+          if (refusal.empty()) continue;
+          Change refused = Made(ChangeKind::kRefused, entry.value);
+          refused.reason = std::string(refusal);
+          io_.Note(std::move(refused));
+        }
+        scourel::RunPlugin(context_, plugin.definition);
+      }
       group.counts = {{"plugin_items", totals_.pluginItems.get() - items}};
       group.bytes = totals_.pluginBytes.get() - bytes;
       group.hasBytes = true;
@@ -207,6 +217,7 @@ class PreviewRun {
   }
 
   const Options& options_;
+  const scourel::PluginFolders folders_ = scourel::SystemPluginFolders();
   const scourel::SettingsFile settings_;
   const scourel::KeyFamily family_;
   TaskTotals totals_;

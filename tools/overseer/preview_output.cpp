@@ -48,6 +48,7 @@ std::string ItemLine(const Change& change) {
   switch (change.kind) {
     case ChangeKind::kFile: line += "  (" + std::to_string(change.bytes) + " bytes)"; break;
     case ChangeKind::kFileLeft: line += "  (counted, stays: " + LeftReason(change.before) + ")"; break;
+    case ChangeKind::kRefused: line += "  (refused: " + change.reason + ")"; break;
     case ChangeKind::kAttributes:
       line += "  (" + AttributeText(change.before) + " -> " + AttributeText(change.after) + ")";
       break;
@@ -68,6 +69,7 @@ std::string ItemJson(const Change& change) {
     case ChangeKind::kFileLeft:
       out += ", \"error\": " + std::to_string(change.before) + ", \"reason\": " + JsonText(LeftReason(change.before));
       break;
+    case ChangeKind::kRefused: out += ", \"reason\": " + JsonText(change.reason); break;
     case ChangeKind::kAttributes:
       out += ", \"before\": " + std::to_string(change.before) + ", \"after\": " + std::to_string(change.after);
       break;
@@ -107,6 +109,7 @@ std::string ChangeKindName(ChangeKind kind) {
     case ChangeKind::kRecycleBins: return "recycle_bins";
     case ChangeKind::kRecentDocuments: return "recent_documents";
     case ChangeKind::kUrlCacheEntry: return "url_cache_entry";
+    case ChangeKind::kRefused: return "refused";
   }
   return "change";
 }

@@ -63,6 +63,10 @@ Receipt BuildReceipt(const std::string& command, const Preview& before, const Pr
   const auto items = ItemsByGroup(before);
   for (std::size_t g = 0; g < items.size(); ++g) {
     for (const Change* change : items[g]) {
+      if (change->kind == ChangeKind::kRefused) {
+        receipt.left.push_back({*change, GroupTitle(before.groups[g]), "refused: " + change->reason});
+        continue;
+      }
       if (!IsTakeable(*change)) continue;
       ReceiptItem item{*change, GroupTitle(before.groups[g]), {}};
       const auto found = again.find(ItemKey(*change));
@@ -110,7 +114,7 @@ std::string ReceiptJson(const Receipt& receipt) {
       std::string item = ItemJson(items[i].change);
       item.pop_back();  // the closing brace
       item += ", \"group\": " + Text(items[i].group);
-      if (left) item += ", \"reason\": " + Text(items[i].reason);
+      if (left && items[i].change.kind != ChangeKind::kRefused) item += ", \"reason\": " + Text(items[i].reason);
       out += std::string(i ? ",\n    " : "\n    ") + item + "}";
     }
     return out + (items.empty() ? "]" : "\n  ]");

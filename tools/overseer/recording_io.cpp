@@ -41,6 +41,17 @@ std::error_code NotFound() { return Win32Error(ERROR_FILE_NOT_FOUND); }
 
 }  // namespace
 
+Change Made(ChangeKind kind, std::wstring name) {
+  Change change;
+  change.kind = kind;
+  change.name = std::move(name);
+  return change;
+}
+
+namespace {
+
+}  // namespace
+
 std::wstring FileKey(const std::wstring& path) {
   std::wstring key = path;
   if (key.rfind(L"\\\\?\\", 0) == 0) key.erase(0, 4);
@@ -103,7 +114,10 @@ std::error_code RecordingIo::SetAttributes(const std::wstring& path, DWORD attri
   const DWORD after = (attributes & ~FILE_ATTRIBUTE_DIRECTORY) | (before & FILE_ATTRIBUTE_DIRECTORY);
   attributes_[FileKey(path)] = after;
   if ((before & ~FILE_ATTRIBUTE_NORMAL) != (after & ~FILE_ATTRIBUTE_NORMAL)) {
-    Add({ChangeKind::kAttributes, 0, path, 0, 0, 0, before, after});
+    Change change = Made(ChangeKind::kAttributes, path);
+    change.before = before;
+    change.after = after;
+    Add(std::move(change));
   }
   return {};
 }
@@ -120,7 +134,9 @@ std::error_code RecordingIo::OpenFile(const std::wstring& path, DWORD access, DW
     error = ShredIo::OpenFile(path, access & ~kWriteAccess, shareMode, flags, file);
   }
   if (error) {
-    Add({ChangeKind::kFileLeft, 0, path, 0, 0, 0, static_cast<std::uint32_t>(error.value()), 0});
+    Change left = Made(ChangeKind::kFileLeft, path);
+    left.before = static_cast<std::uint32_t>(error.value());
+    Add(std::move(left));
     return error;
   }
   openFiles_[file.get()] = path;
@@ -170,7 +186,9 @@ std::error_code RecordingIo::Delete(const std::wstring& path) {
     goneFiles_.insert(key);
   }
   const auto size = sizes_.find(FileKey(original));
-  Add({ChangeKind::kFile, 0, original, size != sizes_.end() ? size->second : 0, 0, 0, 0, 0});
+  Change taken = Made(ChangeKind::kFile, original);
+  taken.bytes = size != sizes_.end() ? size->second : 0;
+  Add(std::move(taken));
   return {};
 }
 
@@ -192,7 +210,7 @@ std::error_code RecordingIo::RemoveFolder(const std::wstring& path) {
     } while (::FindNextFileW(find.get(), &entry));
   }
   goneFiles_.insert(FileKey(folder));
-  Add({ChangeKind::kFolder, 0, folder, 0, 0, 0, 0, 0});
+  Add(Made(ChangeKind::kFolder, folder));
   return {};
 }
 
@@ -271,7 +289,7 @@ void RecordingIo::CountBelow(HKEY key, const std::wstring& name, Change& change)
 std::error_code RecordingIo::DeleteKeyTree(HKEY root, const std::wstring& subkey) {
   const std::wstring name = LiveKey(root, subkey, 0);
   if (name.empty()) return NotFound();
-  Change change{ChangeKind::kKey, 0, DisplayKeyName(name, userPrefix_), 0, 0, 0, 0, 0};
+  Change change = Made(ChangeKind::kKey, DisplayKeyName(name, userPrefix_));
   if (const scourel::OpenedKey key = scourel::OpenRegKey(root, subkey, KEY_READ)) CountBelow(key.get(), name, change);
   goneKeys_.insert(Upper(name));
   Add(std::move(change));
@@ -281,7 +299,7 @@ std::error_code RecordingIo::DeleteKeyTree(HKEY root, const std::wstring& subkey
 std::error_code RecordingIo::DeleteKey(HKEY root, const std::wstring& subkey, REGSAM view) {
   const std::wstring name = LiveKey(root, subkey, view);
   if (name.empty()) return NotFound();
-  Change change{ChangeKind::kKey, 0, DisplayKeyName(name, userPrefix_), 0, 0, 0, 0, 0};
+  Change change = Made(ChangeKind::kKey, DisplayKeyName(name, userPrefix_));
   const scourel::OpenedKey opened =
       subkey.empty() && !IsPredefined(root) ? scourel::OpenedKey() : scourel::OpenRegKey(root, subkey, KEY_READ | view);
   CountBelow(opened ? opened.get() : root, name, change);
@@ -299,29 +317,29 @@ std::error_code RecordingIo::DeleteValue(HKEY key, const std::wstring& name) {
   if (goneValues_.count(valueKey)) return NotFound();
   if (::RegQueryValueExW(key, name.c_str(), nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) return NotFound();
   goneValues_.insert(valueKey);
-  Add({ChangeKind::kValue, 0, DisplayKeyName(keyName, userPrefix_) + L"\\" + name, 0, 0, 0, 0, 0});
+  Add(Made(ChangeKind::kValue, DisplayKeyName(keyName, userPrefix_) + L"\\" + name));
   return {};
 }
 
 std::error_code RecordingIo::SetValue(HKEY key, const std::wstring& name, DWORD, const BYTE*, DWORD) {
   const std::wstring keyName = KernelKeyName(key);
   if (keyName.empty() || KeyGone(keyName)) return Win32Error(ERROR_KEY_DELETED);
-  Add({ChangeKind::kValueSet, 0, DisplayKeyName(keyName, userPrefix_) + L"\\" + name, 0, 0, 0, 0, 0});
+  Add(Made(ChangeKind::kValueSet, DisplayKeyName(keyName, userPrefix_) + L"\\" + name));
   return {};
 }
 
 // --- The rest ---------------------------------------------------------------
 
-void RecordingIo::EmptyClipboard(HWND) { Add({ChangeKind::kClipboard, 0, L"clipboard", 0, 0, 0, 0, 0}); }
+void RecordingIo::EmptyClipboard(HWND) { Add(Made(ChangeKind::kClipboard, L"clipboard")); }
 
-void RecordingIo::EmptyRecycleBins() { Add({ChangeKind::kRecycleBins, 0, L"every Recycle Bin", 0, 0, 0, 0, 0}); }
+void RecordingIo::EmptyRecycleBins() { Add(Made(ChangeKind::kRecycleBins, L"every Recycle Bin")); }
 
 void RecordingIo::ClearRecentDocuments() {
-  Add({ChangeKind::kRecentDocuments, 0, L"the shell's recent-documents list", 0, 0, 0, 0, 0});
+  Add(Made(ChangeKind::kRecentDocuments, L"the shell's recent-documents list"));
 }
 
 std::error_code RecordingIo::DeleteUrlCacheEntry(const wchar_t* url) {
-  Add({ChangeKind::kUrlCacheEntry, 0, url ? url : L"", 0, 0, 0, 0, 0});
+  Add(Made(ChangeKind::kUrlCacheEntry, url ? url : L""));
   return {};
 }
 

@@ -30,6 +30,7 @@ enum class ChangeKind {
   kRecycleBins,      // every bin emptied
   kRecentDocuments,  // the shell's list emptied
   kUrlCacheEntry,    // one URL-cache entry deleted
+  kRefused,          // a plug-in entry the worker refuses: nothing is done
 };
 
 struct Change {
@@ -41,7 +42,11 @@ struct Change {
   std::uint32_t values = 0;    // a key's: every value it and its subkeys hold
   std::uint32_t before = 0;    // attributes before, or a failed open's error
   std::uint32_t after = 0;     // attributes after
+  std::string reason;          // why a plug-in entry is refused
 };
+
+// A change of the kind, to the name, with every other field zero.
+Change Made(ChangeKind kind, std::wstring name);
 
 class RecordingIo : public scourel::CleanerIo {
  public:
@@ -54,6 +59,8 @@ class RecordingIo : public scourel::CleanerIo {
   void OnBrowserStep(std::function<void(scourel::protocol::Browser)> choose) { onBrowserStep_ = std::move(choose); }
   const std::vector<Change>& changes() const { return changes_; }
   std::vector<Change> TakeChanges() { return std::move(changes_); }
+  // Files what the cleaners decide without a call of their own (a refusal).
+  void Note(Change change) { Add(std::move(change)); }
   // Whether the path was recorded as taken (a file or a folder).
   bool Taken(const std::wstring& path) const;
 
