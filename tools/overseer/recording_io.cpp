@@ -112,8 +112,8 @@ std::error_code RecordingIo::SetAttributes(const std::wstring& path, DWORD attri
   if (before == INVALID_FILE_ATTRIBUTES) return NotFound();
   // Only the bits SetFileAttributesW can set; the folder bit stays as it is.
   const DWORD after = (attributes & ~FILE_ATTRIBUTE_DIRECTORY) | (before & FILE_ATTRIBUTE_DIRECTORY);
-  attributes_[FileKey(path)] = after;
   if ((before & ~FILE_ATTRIBUTE_NORMAL) != (after & ~FILE_ATTRIBUTE_NORMAL)) {
+    attributes_[FileKey(path)] = after;
     Change change = Made(ChangeKind::kAttributes, path);
     change.before = before;
     change.after = after;
@@ -140,6 +140,34 @@ std::error_code RecordingIo::OpenFile(const std::wstring& path, DWORD access, DW
     return error;
   }
   openFiles_[file.get()] = path;
+  return {};
+}
+
+RecordingIo::Volume& RecordingIo::VolumeOf(const std::wstring& drive) {
+  const auto found = volumes_.find(FileKey(drive));
+  if (found != volumes_.end()) return found->second;
+  Volume& volume = volumes_[FileKey(drive)];
+  volume.spaceError = ShredIo::DiskFreeSpace(drive, &volume.sectorsPerCluster, &volume.bytesPerSector);
+  volume.openError = ShredIo::OpenVolume(drive, volume.handle);
+  return volume;
+}
+
+std::error_code RecordingIo::DiskFreeSpace(const std::wstring& drive, DWORD* sectorsPerCluster, DWORD* bytesPerSector) {
+  const Volume& volume = VolumeOf(drive);
+  *sectorsPerCluster = volume.sectorsPerCluster;
+  *bytesPerSector = volume.bytesPerSector;
+  return volume.spaceError;
+}
+
+std::error_code RecordingIo::OpenVolume(const std::wstring& drive, scourel::UniqueHandleKernel& handle) {
+  const Volume& volume = VolumeOf(drive);
+  if (volume.openError) return volume.openError;
+  HANDLE copy = nullptr;
+  if (!::DuplicateHandle(::GetCurrentProcess(), volume.handle.get(), ::GetCurrentProcess(), &copy, 0, FALSE,
+                         DUPLICATE_SAME_ACCESS)) {
+    return scourel::LastError();
+  }
+  handle.reset(copy);
   return {};
 }
 
@@ -185,9 +213,11 @@ std::error_code RecordingIo::Delete(const std::wstring& path) {
     if (attributes & FILE_ATTRIBUTE_DIRECTORY) return Win32Error(ERROR_ACCESS_DENIED);
     goneFiles_.insert(key);
   }
-  const auto size = sizes_.find(FileKey(original));
   Change taken = Made(ChangeKind::kFile, original);
-  taken.bytes = size != sizes_.end() ? size->second : 0;
+  if (const auto size = sizes_.find(FileKey(original)); size != sizes_.end()) {
+    taken.bytes = size->second;
+    sizes_.erase(size);
+  }
   Add(std::move(taken));
   return {};
 }

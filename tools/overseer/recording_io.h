@@ -68,6 +68,8 @@ class RecordingIo : public scourel::CleanerIo {
   std::error_code SetAttributes(const std::wstring& path, DWORD attributes) override;
   std::error_code OpenFile(const std::wstring& path, DWORD access, DWORD shareMode, DWORD flags,
                            scourel::UniqueHandleKernel& file) override;
+  std::error_code OpenVolume(const std::wstring& drive, scourel::UniqueHandleKernel& volume) override;
+  std::error_code DiskFreeSpace(const std::wstring& drive, DWORD* sectorsPerCluster, DWORD* bytesPerSector) override;
   std::error_code FileSize(HANDLE file, std::uint64_t* size) override;
   std::error_code Seek(HANDLE file, std::uint64_t offset) override;
   std::error_code Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) override;
@@ -107,7 +109,15 @@ class RecordingIo : public scourel::CleanerIo {
   std::unordered_map<std::wstring, std::uint64_t> sizes_;  // by FileKey(): size read through an open
   std::unordered_set<std::wstring> goneKeys_;         // upper-cased full key names
   std::unordered_set<std::wstring> goneValues_;       // upper-cased key name + '\n' + value name
-  std::wstring userPrefix_;                           // the current user's hive, as the kernel names it
+  std::wstring userPrefix_;
+  // A volume's geometry does not change while a preview runs: asked once a drive.
+  struct Volume {
+    std::error_code spaceError, openError;
+    DWORD sectorsPerCluster = 0, bytesPerSector = 0;
+    scourel::UniqueHandleKernel handle;
+  };
+  std::map<std::wstring, Volume> volumes_;
+  Volume& VolumeOf(const std::wstring& drive);                           // the current user's hive, as the kernel names it
 };
 
 // The file-system key of a path: upper case, without "\\?\" and closing backslashes.
