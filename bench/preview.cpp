@@ -18,6 +18,7 @@
 
 #include <psapi.h>
 
+#include "cache_tree.h"
 #include "browsers/browser_traces.h"
 #include "common/known_folders.h"
 #include "common/unique_handle.h"
@@ -29,50 +30,8 @@ using namespace scourel;
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr int kFilesPerFolder = 25;
 
 double Seconds(Clock::time_point since) { return std::chrono::duration<double>(Clock::now() - since).count(); }
-
-void RemoveAll(const std::wstring& folder) {
-  WIN32_FIND_DATAW entry;
-  {
-    const UniqueFindHandle find(::FindFirstFileW((folder + L"\\*").c_str(), &entry));
-    if (find) {
-      do {
-        const std::wstring name = entry.cFileName;
-        if (name == L"." || name == L"..") continue;
-        const std::wstring path = folder + L"\\" + name;
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && !(entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
-          RemoveAll(path);
-        } else {
-          ::DeleteFileW(path.c_str());
-        }
-      } while (::FindNextFileW(find.get(), &entry));
-    }
-  }
-  ::RemoveDirectoryW(folder.c_str());
-}
-
-void MakeFolders(const std::wstring& path) {
-  for (size_t i = 3; i <= path.size(); ++i) {
-    if (i == path.size() || path[i] == L'\\') ::CreateDirectoryW(path.substr(0, i).c_str(), nullptr);
-  }
-}
-
-// Folders [from, to) of 25 files of 100 bytes each.
-void Plant(const std::wstring& root, int from, int to) {
-  const std::string bytes(100, 'c');
-  for (int f = from; f < to; ++f) {
-    const std::wstring folder = root + L"\\" + std::to_wstring(f / 50) + L"\\f_" + std::to_wstring(f);
-    MakeFolders(folder);
-    for (int i = 0; i < kFilesPerFolder; ++i) {
-      UniqueHandleKernel file(::CreateFileW((folder + L"\\data_" + std::to_wstring(i)).c_str(), GENERIC_WRITE, 0,
-                                            nullptr, CREATE_ALWAYS, 0, nullptr));
-      DWORD written = 0;
-      ::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    }
-  }
-}
 
 overseer::Options CachePreview() {
   overseer::Options options;
@@ -112,7 +71,7 @@ int wmain(int argc, wchar_t** argv) {
   const std::wstring worker = L"C:\\scourel-bench-preview\\bin\\scourel.exe";
   const overseer::Options options = CachePreview();
 
-  Plant(cache, 0, 2000);
+  PlantCacheTree(cache, 0, 2000);
   double scan = 1e9, preview = 1e9;
   std::int32_t scanned = 0;
   std::size_t listed = 0;
@@ -133,7 +92,7 @@ int wmain(int argc, wchar_t** argv) {
   std::printf("scan %.3f s (%d counted), preview %.3f s (%zu items), preview/scan %.2f (target <= 1.20)\n", scan,
               scanned, preview, listed, preview / scan);
 
-  Plant(cache, 2000, 4000);
+  PlantCacheTree(cache, 2000, 4000);
   const double before = PrivateMiB().first;
   {
     const overseer::Preview result = overseer::RunPreview(options, worker, nullptr);
