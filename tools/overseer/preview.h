@@ -34,12 +34,12 @@ struct Preview {
   std::vector<Change> changes;  // in the order made; Change::group indexes groups
 };
 
-// The areas a preview takes, by target name ("all": every one, in the order
-// of the task table); nullopt for an unknown name.
+// The areas a preview takes: the one its target names, or for "all" every
+// clean and fix in the order of the task table.
 std::vector<const scourel::protocol::TaskSpec*> PreviewAreas(const Options& options);
 
 // Runs the preview of options.task (all areas when null) for the worker at
-// workerPath; false in *ok when its install root cannot be told.
+// workerPath; *error says why when its install root cannot be told.
 Preview RunPreview(const Options& options, const std::wstring& workerPath, std::string* error);
 
 }  // namespace overseer
