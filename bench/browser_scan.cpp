@@ -17,6 +17,7 @@
 #include <functional>
 #include <string>
 
+#include "cache_tree.h"
 #include "browsers/browser_traces.h"
 #include "common/known_folders.h"
 #include "common/unique_handle.h"
@@ -27,7 +28,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr int kFolders = 2000;
-constexpr int kFilesPerFolder = 25;
 
 double Seconds(Clock::time_point since) { return std::chrono::duration<double>(Clock::now() - since).count(); }
 
@@ -45,46 +45,6 @@ void Walk(const std::wstring& folder, const std::function<void(const std::wstrin
       file(folder + name);
     }
   } while (::FindNextFileW(find.get(), &entry));
-}
-
-void RemoveAll(const std::wstring& folder) {
-  WIN32_FIND_DATAW entry;
-  {
-    const UniqueFindHandle find(::FindFirstFileW((folder + L"\\*").c_str(), &entry));
-    if (find) {
-      do {
-        const std::wstring name = entry.cFileName;
-        if (name == L"." || name == L"..") continue;
-        const std::wstring path = folder + L"\\" + name;
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && !(entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
-          RemoveAll(path);
-        } else {
-          ::DeleteFileW(path.c_str());
-        }
-      } while (::FindNextFileW(find.get(), &entry));
-    }
-  }
-  ::RemoveDirectoryW(folder.c_str());
-}
-
-void MakeFolders(const std::wstring& path) {
-  for (size_t i = 3; i <= path.size(); ++i) {
-    if (i == path.size() || path[i] == L'\\') ::CreateDirectoryW(path.substr(0, i).c_str(), nullptr);
-  }
-}
-
-void Plant(const std::wstring& root) {
-  const std::string bytes(100, 'c');
-  for (int f = 0; f < kFolders; ++f) {
-    const std::wstring folder = root + L"\\" + std::to_wstring(f / 50) + L"\\f_" + std::to_wstring(f);
-    MakeFolders(folder);
-    for (int i = 0; i < kFilesPerFolder; ++i) {
-      UniqueHandleKernel file(::CreateFileW((folder + L"\\data_" + std::to_wstring(i)).c_str(), GENERIC_WRITE, 0,
-                                            nullptr, CREATE_ALWAYS, 0, nullptr));
-      DWORD written = 0;
-      ::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    }
-  }
 }
 
 struct Timings {
@@ -145,7 +105,7 @@ int wmain(int argc, wchar_t** argv) {
               "scan/open", "counted");
   const char* names[] = {"Internet Explorer cache", "Chrome default profile cache"};
   for (int i = 0; i < 2; ++i) {
-    Plant(places[i]);
+    PlantCacheTree(places[i], 0, kFolders);
     const Timings t = Measure(places[i], rounds);
     std::printf("%-34s %9.3f %9.3f %9.3f %10.2f %10.2f %8d\n", names[i], t.bare, t.opened, t.scan, t.scan / t.bare,
                 t.scan / t.opened, t.scanned);

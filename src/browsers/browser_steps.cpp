@@ -43,6 +43,7 @@ class StepRunner {
     if (!Passes(step.gate)) return;
     const std::optional<std::wstring> location = Location(step);
     if (!location) return;
+    context_.io.EnterBrowserStep(step.browser);
     BrowserTotals& totals = context_.totals.browser;
     const protocol::BrowserCategory column = step.column.value_or(category_);
     CountAndBytes& cell = totals.cell(step.browser, column);

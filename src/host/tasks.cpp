@@ -28,11 +28,7 @@ namespace {
 
 using namespace protocol;
 
-// The PC-traces steps in the order of protocol::kPcSteps.
-using StepFunction = void (*)(const TaskContext&);
-constexpr StepFunction kPcStepFunctions[kPcStepCount] = {
-    RecentDocuments, RunHistory, SearchWords, EmptyClipboardStep, Credentials, ScanDiskFiles, SetClearPageFile,
-};
+using StepFunction = PcStepFunction;
 
 SettingsFile Settings() { return SettingsFile(g_settingsPath); }
 

@@ -3,6 +3,7 @@
 #include "common/registry_links.h"
 #include "common/status.h"
 #include "common/unique_handle.h"
+#include "task/file_probe.h"
 
 namespace scourel {
 
@@ -57,6 +58,10 @@ void CleanerIo::EmptyRecycleBins() {
 void CleanerIo::ClearRecentDocuments() { ::SHAddToRecentDocs(0, nullptr); }
 
 std::error_code CleanerIo::DeleteUrlCacheEntry(const wchar_t* url) { return Checked(::DeleteUrlCacheEntryW(url)); }
+
+bool CleanerIo::ProbeReadWrite(const std::wstring& path) { return ReadWriteProbe(path); }
+
+void CleanerIo::EnterBrowserStep(protocol::Browser) {}
 
 CleanerIo& SystemCleanerIo() {
   static CleanerIo io;

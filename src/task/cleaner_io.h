@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "common/win.h"
+#include "protocol/categories.h"
 #include "wipe/shred_io.h"
 
 namespace scourel {
@@ -46,6 +47,12 @@ class CleanerIo : public ShredIo {
   virtual void ClearRecentDocuments();
   // DeleteUrlCacheEntryW.
   [[nodiscard]] virtual std::error_code DeleteUrlCacheEntry(const wchar_t* url);
+
+  // The erasing walks' read-write probe, taken after read-only was cleared.
+  virtual bool ProbeReadWrite(const std::wstring& path);
+  // The browser whose traces a browser step is about to take: a recording
+  // io files what follows under it.
+  virtual void EnterBrowserStep(protocol::Browser browser);
 };
 
 // The process's one system-backed instance.

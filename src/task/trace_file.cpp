@@ -17,7 +17,7 @@ bool PassesProbe(const TaskContext& context, const TraceFile& file, const TraceR
       if (!context.erasing() && rule.readOnlyCleared && (file.attributes & FILE_ATTRIBUTE_READONLY)) {
         return ReadProbeSharingWrite(file.path);
       }
-      return ReadWriteProbe(file.path);
+      return context.erasing() ? context.io.ProbeReadWrite(file.path) : ReadWriteProbe(file.path);
   }
   return false;
 }

@@ -4,6 +4,7 @@
 // counts the same things (the PC-traces task).
 #pragma once
 
+#include "protocol/categories.h"
 #include "task/task_context.h"
 
 namespace scourel {
@@ -23,5 +24,11 @@ void ScanDiskFiles(const TaskContext& context);
 // Asks Windows to clear the page file at shutdown (needs administrator
 // rights). Erasing only: there is nothing to measure.
 void SetClearPageFile(const TaskContext& context);
+
+// The steps in the order of protocol::kPcSteps.
+using PcStepFunction = void (*)(const TaskContext&);
+inline constexpr PcStepFunction kPcStepFunctions[protocol::kPcStepCount] = {
+    RecentDocuments, RunHistory, SearchWords, EmptyClipboardStep, Credentials, ScanDiskFiles, SetClearPageFile,
+};
 
 }  // namespace scourel

@@ -102,13 +102,16 @@ TEST(OverseerCommandLineTest, ValueParsers) {
 
 TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
   const std::pair<const wchar_t*, const char*> cases[] = {  // line, part of the refusal
-      {L"", "no command given: valid commands are scan, clean, fix, stop, close, settings, plugins, wipe, shred"},
+      {L"", "no command given: valid commands are scan, clean, fix, preview, stop, close, settings, plugins, wipe, shred"},
       {L"erase", "unknown command \"erase\": valid commands are scan"},
       {L"wipe", "wipe needs a target: valid targets are free"},
       {L"wipe free", "wipe free needs a drive, such as D:"},
       {L"wipe free d: e:", "unexpected argument \"e:\" after wipe free"},
       {L"--second-set wipe free d:", "--second-set does not apply to wipe"},
       {L"shred", "shred needs at least one file or folder"},
+      {L"preview scan",
+       "invalid target \"scan\" for preview: valid targets are junk, shortcuts, recycle, browser, pc, plugins, "
+       "registry, extensions, all"},
       {L"clean", "clean needs a target: valid targets are junk, shortcuts, recycle, browser, pc, plugins"},
       {L"clean registry",
        "invalid target \"registry\" for clean: valid targets are junk, shortcuts, recycle, browser, pc, plugins"},
@@ -134,6 +137,7 @@ TEST(OverseerCommandLineTest, RefusesWithTheValidValues) {
       {L"--json=yes scan", "--json takes no value"},
       {L"--second-set scan", "--second-set does not apply to the full scan"},
       {L"--backup b.reg clean junk", "--backup applies to fix only"},
+      {L"--receipt r.json preview junk", "--receipt applies to clean and fix only"},
   };
   for (const auto& [line, message] : cases) {
     const ParseResult result = Parse(line);

@@ -22,16 +22,6 @@ using testing::Not;
 
 bool WorkerWindow() { return ::FindWindowW(L"SCOUREL_CLASS", nullptr) != nullptr; }
 
-// A copy of a program as <root>\bin\scourel.exe, so as a worker it reads <root>\Settings.INI.
-struct Installed : ScratchDir {
-  explicit Installed(const std::wstring& name, const std::wstring& program = L"scourel.exe")
-      : ScratchDir((CloseRunningWorkers(), name)), exe(InstallCopy(path(), program)) {}
-  ~Installed() { CloseRunningWorkers(); }
-  std::wstring Worker(const std::wstring& rest) const { return L"--worker \"" + exe + L"\" " + rest; }
-  std::wstring Setting(const wchar_t* key) const { return ReadSetting(*this / L"Settings.INI", key, 1000); }
-  const std::wstring exe;
-};
-
 // The full scan's replies, all readable, with overseer's own per-browser rows
 // (the worker sends one total per category), then a browser clean: the
 // settings it writes, the rows as a scan counts them before the worker acts,

@@ -4,7 +4,9 @@
 
 #include <string>
 
+#include "support/fixtures.h"
 #include "support/worker_harness.h"
+#include "task/settings.h"
 
 namespace scourel::test {
 
@@ -16,6 +18,16 @@ struct OverseerRun {
 
 // arguments: everything after the program name.
 OverseerRun RunOverseer(const std::wstring& arguments, unsigned limitMs = 120000);
+
+// A copy of a program as <root>\bin\scourel.exe, so as a worker it reads <root>\Settings.INI.
+struct Installed : ScratchDir {
+  explicit Installed(const std::wstring& name, const std::wstring& program = L"scourel.exe")
+      : ScratchDir((CloseRunningWorkers(), name)), exe(InstallCopy(path(), program)) {}
+  ~Installed() { CloseRunningWorkers(); }
+  std::wstring Worker(const std::wstring& rest) const { return L"--worker \"" + exe + L"\" " + rest; }
+  std::wstring Setting(const wchar_t* key) const { return ReadSetting(*this / L"Settings.INI", key, 1000); }
+  const std::wstring exe;
+};
 
 // A SCOUREL_CLASS window that takes every command and replies to none; its
 // window procedure takes hangMs over each.

@@ -1,6 +1,7 @@
 #include "overseer/browser_rows.h"
 
 #include "browsers/browser_traces.h"
+#include "overseer/current_directory.h"
 #include "overseer/report_output.h"
 #include "overseer/settings_writer.h"
 #include "protocol/size_text.h"
@@ -11,25 +12,6 @@ namespace overseer {
 namespace {
 
 namespace p = scourel::protocol;
-
-// Sets the current directory for as long as it lives: the worker looks some
-// things up relative to its own.
-class CurrentDirectory {
- public:
-  explicit CurrentDirectory(const std::wstring& folder) {
-    wchar_t previous[MAX_PATH] = {};
-    if (::GetCurrentDirectoryW(MAX_PATH, previous)) previous_ = previous;
-    ::SetCurrentDirectoryW(folder.c_str());
-  }
-  ~CurrentDirectory() {
-    if (!previous_.empty()) ::SetCurrentDirectoryW(previous_.c_str());
-  }
-  CurrentDirectory(const CurrentDirectory&) = delete;
-  CurrentDirectory& operator=(const CurrentDirectory&) = delete;
-
- private:
-  std::wstring previous_;
-};
 
 scourel::KeyFamily FamilyOf(const Options& options) {
   if (!options.secondSet) return scourel::KeyFamily::kFirstSet;

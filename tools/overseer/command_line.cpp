@@ -38,10 +38,11 @@ namespace p = scourel::protocol;
 std::vector<const p::TaskSpec*> TargetsOf(Verb verb) {
   std::vector<const p::TaskSpec*> targets;
   for (const p::TaskSpec& spec : p::kTasks) {
-    const bool wanted = verb == Verb::kStop    ? spec.sets[p::kFirstSet].stop != 0
-                        : verb == Verb::kClean ? spec.command == "clean"
-                        : verb == Verb::kWipe  ? spec.command == "wipe"
-                                               : spec.command == "fix";
+    const bool wanted = verb == Verb::kStop      ? spec.sets[p::kFirstSet].stop != 0
+                        : verb == Verb::kClean   ? spec.command == "clean"
+                        : verb == Verb::kWipe    ? spec.command == "wipe"
+                        : verb == Verb::kPreview ? spec.command == "clean" || spec.command == "fix"
+                                                 : spec.command == "fix";
     if (wanted) targets.push_back(&spec);
   }
   return targets;
@@ -113,6 +114,8 @@ std::string CommandName(Verb verb, const p::TaskSpec* task) {
     case Verb::kStop:
       verbName = "stop";
       break;
+    case Verb::kPreview:
+      return task ? "preview " + std::string(task->name) : "preview all";
   }
   return task ? verbName + " " + std::string(task->name) : verbName;
 }
@@ -153,7 +156,7 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
       continue;
     }
     static constexpr std::string_view kValued[] = {"--worker", "--mode",     "--timeout", "--wipe",
-                                                   "--browser", "--pc",      "--registry", "--backup"};
+                                                   "--browser", "--pc",      "--registry", "--backup", "--receipt"};
     if (std::find(std::begin(kValued), std::end(kValued), name) == std::end(kValued)) {
       return refuse("unknown option " + name + " (overseer --help lists the options)");
     }
@@ -174,6 +177,9 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
     } else if (name == "--backup") {
       if (wideValue.empty()) return refuse(invalid + "a path for the .reg file");
       options.backupPath = wideValue;
+    } else if (name == "--receipt") {
+      if (wideValue.empty()) return refuse(invalid + "a path for the receipt's JSON file");
+      options.receiptPath = wideValue;
     } else if (name == "--mode") {
       if (value != "o") return refuse(invalid + "o");
       options.mode = L"o";
@@ -200,7 +206,7 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   }
 
   constexpr std::string_view kCommands =
-      "valid commands are scan, clean, fix, stop, close, settings, plugins, wipe, shred";
+      "valid commands are scan, clean, fix, preview, stop, close, settings, plugins, wipe, shred";
   if (words.empty()) return refuse("no command given: " + std::string(kCommands));
   const std::string& verb = words[0];
   auto needTarget = [&](Verb v) -> std::optional<std::string> {
@@ -248,6 +254,11 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   } else if (verb == "fix") {
     targetError = needTarget(Verb::kFix);
     used = 2;
+  } else if (verb == "preview") {
+    options.verb = Verb::kPreview;
+    used = 2;
+    if (words.size() < 2 || words[1] != "all") targetError = needTarget(Verb::kPreview);
+    if (targetError) *targetError += ", all";
   } else if (verb == "stop") {
     targetError = needTarget(Verb::kStop);
     used = 2;
@@ -260,6 +271,9 @@ ParseResult ParseCommandLine(const std::vector<std::wstring>& args) {
   if (!options.backupPath.empty() && options.verb != Verb::kFix) return refuse("--backup applies to fix only");
   if (options.secondSet && (options.verb == Verb::kWipe || options.verb == Verb::kShred)) {
     return refuse("--second-set does not apply to " + CommandName(options.verb, nullptr));
+  }
+  if (!options.receiptPath.empty() && options.verb != Verb::kFix && options.verb != Verb::kClean) {
+    return refuse("--receipt applies to clean and fix only");
   }
   if (options.secondSet &&
       (options.verb == Verb::kScan || (options.verb == Verb::kStop && options.task->task == p::Task::kFullScan))) {
@@ -283,6 +297,8 @@ std::string UsageText() {
          TargetList(Verb::kFix) +
          "; names what it will fix and deletes\n"
          "                             only with --yes\n"
+         "  preview TARGET|all         lists every item a clean or fix would take; changes\n"
+         "                             nothing and starts no worker\n"
          "  stop TARGET                stops a task of the running worker; TARGET: " +
          TargetList(Verb::kStop) +
          "\n"
@@ -307,6 +323,8 @@ std::string UsageText() {
          "  --yes              let a fix delete what the worker's scan found, or a long wipe run\n"
          "  --backup FILE      fix: start a worker of our own, scan, and write every key the fix\n"
          "                     may delete to FILE (for reg import) before fixing\n"
+         "  --receipt FILE     clean, fix: preview, clean, preview again and write per item\n"
+         "                     what was taken or left, and why, to FILE (JSON)\n"
          "  --wipe METHOD      " +
          WipeHelp() +
          "\n"

@@ -14,7 +14,7 @@
 
 namespace overseer {
 
-enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings, kPlugins, kWipe, kShred };
+enum class Verb { kScan, kClean, kFix, kStop, kClose, kSettings, kPlugins, kWipe, kShred, kPreview };
 
 // Option names of the switches, in the order of the worker's settings keys.
 // The browser and registry names double as the reply field names.
@@ -29,7 +29,7 @@ inline constexpr unsigned kDefaultTimeoutSeconds = 300;
 
 struct Options {
   Verb verb = Verb::kScan;
-  const scourel::protocol::TaskSpec* task = nullptr;  // what a clean, fix or stop acts on
+  const scourel::protocol::TaskSpec* task = nullptr;  // what a clean, fix, stop or preview acts on (preview all: null)
   bool secondSet = false;
   bool json = false;
   bool keepWorker = false;  // leave a worker we started running
@@ -47,6 +47,7 @@ struct Options {
   bool pluginBrowsers = false;  // plugins browsers: generate the browsers' plug-ins
   std::wstring drive;         // wipe free: the drive as given
   std::vector<std::wstring> paths;  // shred: the files and folders
+  std::wstring receiptPath;   // clean, fix: the receipt to write; empty: none
 };
 
 struct ParseResult {

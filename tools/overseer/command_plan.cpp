@@ -20,6 +20,7 @@ std::optional<CommandPlan> PlanFor(const Options& options) {
     case Verb::kSettings:
     case Verb::kPlugins:
     case Verb::kShred:
+    case Verb::kPreview:
       return std::nullopt;
     case Verb::kScan:
       plan.message = p::SpecOf(p::Task::kFullScan).sets[p::kFirstSet].start;

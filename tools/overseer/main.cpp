@@ -2,6 +2,7 @@
 // writes the settings a command needs, sends the command and prints every
 // reply until the command is complete. Every wait is bounded by --timeout.
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,9 @@
 #include "overseer/fix_scope.h"
 #include "overseer/generated_plugins.h"
 #include "overseer/plugin_commands.h"
+#include "overseer/preview.h"
+#include "overseer/preview_output.h"
+#include "overseer/receipt.h"
 #include "overseer/registry_backup.h"
 #include "overseer/report_output.h"
 #include "overseer/settings_writer.h"
@@ -101,14 +105,35 @@ int wmain(int argc, wchar_t** argv) {
     }
     return run.allDone ? 0 : 1;
   }
+  if (options.verb == Verb::kPreview) {
+    // Runs here, from the worker's folder; no worker is started or asked.
+    std::string error;
+    const std::wstring worker = FullPath(options.workerPath.empty() ? DefaultWorkerPath() : options.workerPath);
+    const Preview preview = RunPreview(options, worker, &error);
+    if (!error.empty()) {
+      PrintError(error + " from \"" + Utf8(worker) + "\"");
+      return 1;
+    }
+    const std::string command = CommandName(options.verb, options.task);
+    Print(options.json ? PreviewJson(command, preview) : PreviewTable(command, preview));
+    return 0;
+  }
   const unsigned timeoutMs = options.timeoutSeconds * 1000;
   const auto plan = PlanFor(options);
 
   RunReport report;
   report.command = CommandName(options.verb, options.task);
+  std::optional<Preview> beforeClean;  // --receipt: what the clean was to take
   // Ends the run: the JSON document or the status line, and the exit code.
   auto finish = [&](ControllerSession* session, const RunOutcome& outcome) {
     if (session && !options.keepWorker) session->CloseStartedWorker();
+    if (beforeClean) {
+      // Written however the clean ended: what it took is known either way.
+      const Receipt receipt =
+          BuildReceipt(report.command, *beforeClean, RunPreview(options, report.workerPath, nullptr), outcome.status);
+      if (!WriteReceipt(options.receiptPath, receipt)) PrintError("cannot write the receipt " + Utf8(options.receiptPath));
+      if (!options.json) Print("receipt   " + ReceiptSummary(receipt) + " (" + Utf8(FullPath(options.receiptPath)) + ")\n");
+    }
     report.status = outcome.status;
     report.error = outcome.error;
     if (!outcome.error.empty()) PrintError(outcome.error);
@@ -212,6 +237,7 @@ int wmain(int argc, wchar_t** argv) {
     }
     if (!options.json) Print("backup    " + Utf8(FullPath(options.backupPath)) + ": " + std::to_string(keys) + " keys\n");
   }
+  if (!options.receiptPath.empty()) beforeClean = RunPreview(options, report.workerPath, nullptr);
   if (!options.json) Print("command   " + report.command + " (message " + std::to_string(plan->message) + ")\n");
   return finish(&session, session.Run(*plan, timeoutMs));
 }

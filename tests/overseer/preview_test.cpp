@@ -1,0 +1,230 @@
+// overseer preview over planted traces of every area: its totals are the
+// real worker's scan replies for the same state, its items are the planted
+// ones, and the sandbox is byte for byte as it was.
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+
+#include "common/known_folders.h"
+#include "overseer_runner.h"
+#include "sandbox_snapshot.h"
+#include "support/browser_fixture.h"
+#include "support/registry_seed.h"
+#include "windows_traces/traces_fixture.h"
+
+namespace scourel::test {
+namespace {
+
+constexpr auto npos = std::string::npos;
+
+// The text between `from` and the next `to`, empty when `from` is missing.
+std::string Between(const std::string& text, const std::string& from, const std::string& to) {
+  const std::size_t start = text.find(from);
+  if (start == npos) return {};
+  const std::size_t end = text.find(to, start + from.size());
+  return text.substr(start + from.size(), end == npos ? npos : end - start - from.size());
+}
+
+// A number or a quoted text after "name": in a part of a document.
+std::string Value(const std::string& part, const std::string& name) {
+  std::smatch match;
+  if (!std::regex_search(part, match, std::regex("\"" + name + "\": (\"[^\"]*\"|-?\\d+)"))) return "absent";
+  std::string value = match[1];
+  value.erase(0, value.find_first_not_of("\" "));
+  value.erase(value.find_last_not_of("\" ") + 1);
+  return value;
+}
+
+// A path as the JSON documents spell it (ASCII paths only).
+std::string Utf8Escaped(const std::wstring& path) {
+  std::string out;
+  for (wchar_t c : path) out += c == L'\\' ? std::string("\\\\") : std::string(1, static_cast<char>(c));
+  return out;
+}
+
+std::string ScanFields(const std::string& json, unsigned kind) {
+  return Between(json, "\"kind\": " + std::to_string(kind) + ",", "}}");
+}
+
+std::string PreviewGroup(const std::string& json, const std::string& area, const std::string& category = "",
+                         const std::string& owner = "") {
+  return Between(json, "{\"area\": \"" + area + "\", \"category\": \"" + category + "\", \"owner\": \"" + owner + "\"",
+                 "]}");
+}
+
+// Junk in the temporary folder: a read-only file, a plain one, one another
+// program holds open for reading only (it passes the probe, so it is
+// counted, but the shredder's open fails) and empty folders that go once
+// their files are gone.
+struct PlantedTemp {
+  PlantedTemp() {
+    MakeDirs(folder + L"\\empty\\deeper");
+    PlantFile(folder + L"\\readonly.tmp", std::string(1000, 'r'));
+    MakeReadOnly(folder + L"\\readonly.tmp");
+    PlantFile(folder + L"\\plain.tmp", std::string(300, 'p'));
+    PlantFile(held, "held");
+    holder = UniqueHandleKernel(
+        ::CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  }
+  const std::wstring folder = TempFolder() + L"scourel-preview", held = folder + L"\\held.tmp";
+  const Cleanup removed = RemovedAtEnd({folder});
+  UniqueHandleKernel holder;
+};
+
+TEST(PreviewTest, TotalsAreTheWorkersScanItemsThePlantedOnesAndNothingChanges) {
+  const WineVersionOf overseerTold(L"overseer.exe", L"win7"), workerTold(L"scourel.exe", L"win7");
+  BrowserFixture browsers({.extraProfile = false, .safariGate = false});
+  SeededRegistry seed;
+  const RegistryCanary canary;
+  PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"b", L"notepad"}, {L"MRUList", L"ba"}});
+  Installed worker(L"preview-e2e");
+  PlantedTemp temp;
+  ASSERT_TRUE(temp.holder);
+  const std::wstring plugins = worker / L"plugins", pluginFiles = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\scourel-preview";
+  const Cleanup planted = RemovedAtEnd({plugins, pluginFiles});
+  PlantFile(pluginFiles + L"\\a.log", std::string(200, 'a'));
+  PlantFile(pluginFiles + L"\\b.log", std::string(20, 'b'));
+  PlantFile(plugins + L"\\logs.cv", "[Info]\r\nDeleteFile1=%LocalAppData%\\scourel-preview\\*.log\r\n");
+
+  const std::vector<std::wstring> folders = {ShellFolderPath(CSIDL_PROFILE), ShellFolderPath(CSIDL_COMMON_APPDATA),
+                                             worker.path()};
+  const std::vector<std::pair<HKEY, std::wstring>> keys = {{HKEY_CURRENT_USER, L"Software"}};
+  // overseer's captured output comes and goes in the temporary folder.
+  const auto snapshot = [&] {
+    Snapshot taken = TakeSnapshot(folders, keys);
+    std::erase_if(taken, [](const auto& entry) {
+      return entry.first.find(L"overseer-run-") != std::wstring::npos || entry.first == TempFolder().substr(0, TempFolder().size() - 1);
+    });
+    return taken;
+  };
+  const Snapshot before = snapshot();
+  const std::set<std::wstring> seeded = seed.Snapshot();
+  const OverseerRun preview = RunOverseer(worker.Worker(L"--json --browser all --pc all --registry all preview all"));
+  ASSERT_EQ(preview.exitCode, 0) << preview.out << preview.err;
+  EXPECT_EQ(Differences(before, snapshot()), "");
+  EXPECT_EQ(seed.Snapshot(), seeded);
+  EXPECT_EQ(Value(preview.out, "schema"), "overseer-preview");
+  EXPECT_EQ(Value(preview.out, "version"), "1");
+
+  const OverseerRun scan = RunOverseer(worker.Worker(L"--json --timeout 120 scan"));
+  ASSERT_EQ(scan.exitCode, 0) << scan.out << scan.err;
+
+  // Area by area: the preview's counts against the scan's fields.
+  const struct {
+    std::string group, category, owner;
+    unsigned kind;
+    std::vector<std::pair<std::string, std::string>> fields;  // preview's name, scan's name
+  } areas[] = {
+      {"junk", "", "", 101, {{"temporary_files", "temporary_files"}, {"other_files", "other_junk_files"},
+                             {"size", "size"}}},
+      {"shortcuts", "", "", 102, {{"dead_shortcuts", "dead_shortcuts"}}},
+      {"recycle", "", "", 103, {{"recycle_bin_items", "recycle_bin_items"}}},
+      {"pc", "run_history", "", 104, {{"run_history", "run_history"}}},
+      {"pc", "documents", "", 104, {{"documents", "documents"}}},
+      {"pc", "network", "", 104, {{"network", "network"}}},
+      {"plugins", "", "logs", 106, {{"plugin_items", "plugin_items"}, {"size", "size"}}},
+      {"registry", "com", "", 107, {{"com", "com"}}},
+      {"registry", "paths", "", 107, {{"paths", "paths"}}},
+      {"registry", "current_user", "", 107, {{"current_user", "current_user"}}},
+      {"extensions", "file_extensions", "", 108, {{"file_extensions", "entries"}}},
+  };
+  for (const auto& area : areas) {
+    const std::string group = PreviewGroup(preview.out, area.group, area.category, area.owner);
+    const std::string fields = ScanFields(scan.out, area.kind);
+    for (const auto& [ours, theirs] : area.fields) {
+      EXPECT_EQ(Value(group, ours), Value(fields, theirs)) << area.group << " " << area.category << " " << ours;
+    }
+  }
+  // Browser traces: the preview is the clean's count, per browser.
+  for (int c = 0; c < protocol::kBrowserCategoryCount; ++c) {
+    const auto category = static_cast<protocol::BrowserCategory>(c);
+    for (int b = 0; b < protocol::kBrowserCount; ++b) {
+      const std::string group = PreviewGroup(preview.out, "browser", std::string(protocol::kBrowserCategoryNames[c]),
+                                             std::string(protocol::kBrowserNames[b]));
+      const Expected expected = browsers.Of(static_cast<protocol::Browser>(b), category, CleanEverything());
+      const std::string count = Value(group, std::string(protocol::kBrowserCategoryNames[c]));
+      EXPECT_EQ(count == "absent" ? "0" : count, std::to_string(expected.count))
+          << protocol::kBrowserCategoryNames[c] << " " << protocol::kBrowserNames[b];
+    }
+  }
+
+  // The planted junk, item by item.
+  const std::string junk = PreviewGroup(preview.out, "junk");
+  const std::string folder = Utf8Escaped(temp.folder);
+  for (const std::string& item :
+       {"{\"kind\": \"file\", \"name\": \"" + folder + "\\\\readonly.tmp\", \"bytes\": 1000}",
+        "{\"kind\": \"file\", \"name\": \"" + folder + "\\\\plain.tmp\", \"bytes\": 300}",
+        "{\"kind\": \"left\", \"name\": \"" + folder + "\\\\held.tmp\", \"error\": 32, \"reason\": \"held open by another program\"}",
+        "{\"kind\": \"folder\", \"name\": \"" + folder + "\\\\empty\\\\deeper\"}",
+        "{\"kind\": \"folder\", \"name\": \"" + folder + "\\\\empty\"}"}) {
+    EXPECT_NE(junk.find(item), npos) << item << "\n" << junk;
+  }
+  EXPECT_EQ(junk.find("\"name\": \"" + folder + "\"}"), npos) << "a folder still holding a file stays";
+  // A history list goes with its key, every value counted.
+  const std::string runMru = "HKEY_CURRENT_USER\\\\" + Utf8Escaped(kRunMruKey);
+  EXPECT_NE(PreviewGroup(preview.out, "pc", "run_history")
+                .find("{\"kind\": \"key\", \"name\": \"" + runMru + "\", \"subkeys\": 0, \"values\": 3}"),
+            npos);
+}
+
+// The items of a receipt's list below a folder, as "kind name[ reason]" lines.
+std::set<std::string> ItemsBelow(const std::string& list, const std::string& folder) {
+  std::set<std::string> items;
+  const std::regex item("\\{\"kind\": \"(\\w+)\", \"name\": \"([^\"]*)\"[^}]*?(?:\"reason\": \"([^\"]*)\")?\\}");
+  for (auto it = std::sregex_iterator(list.begin(), list.end(), item); it != std::sregex_iterator(); ++it) {
+    const std::string name = (*it)[2];
+    if (name.rfind(folder, 0) != 0) continue;
+    items.insert((*it)[1].str() + " " + name.substr(folder.size()) + ((*it)[3].matched ? " " + (*it)[3].str() : ""));
+  }
+  return items;
+}
+
+// A clean with a receipt: what it took, and what it left and why (a file
+// held open, a plug-in entry the worker refuses).
+TEST(PreviewTest, ReceiptListsWhatTheCleanTookAndWhatItLeftAndWhy) {
+  Installed worker(L"preview-receipt");
+  PlantedTemp temp;
+  ASSERT_TRUE(temp.holder);
+  const std::wstring plugins = worker / L"plugins", files = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\scourel-receipt";
+  const Cleanup planted = RemovedAtEnd({plugins, files});
+  PlantFile(files + L"\\a.log", std::string(200, 'a'));
+  PlantFile(files + L"\\keep.txt", "keep");
+  PlantFile(plugins + L"\\logs.cv",
+            "[Info]\r\nDeleteFile1=%LocalAppData%\\scourel-receipt\\*.log\r\nDeleteFile2=C:\\boot.ini\r\n");
+
+  const struct {
+    std::wstring target, root;
+    std::set<std::string> taken, left;
+  } cases[] = {
+      {L"junk", temp.folder,
+       {"file \\\\readonly.tmp", "file \\\\plain.tmp", "folder \\\\empty\\\\deeper", "folder \\\\empty"},
+       {"left \\\\held.tmp held open by another program"}},
+      {L"plugins", files, {"file \\\\a.log"}, {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.target.begin(), c.target.end()));
+    const std::wstring receipt = worker / (c.target + L".json");
+    const OverseerRun run = RunOverseer(worker.Worker(L"--timeout 120 --receipt \"" + receipt + L"\" clean " + c.target));
+    ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+    const std::string text = ReadFileBytes(receipt);
+    EXPECT_EQ(Value(text, "schema"), "overseer-receipt");
+    EXPECT_EQ(Value(text, "status"), "completed");
+    std::string summary = Value(text, "summary");  // as printed: JSON doubles each backslash
+    summary = std::regex_replace(summary, std::regex("\\\\\\\\"), "\\");
+    EXPECT_NE(run.out.find("receipt   " + summary + " ("), npos) << run.out << text;
+    const std::string root = Utf8Escaped(c.root);
+    EXPECT_EQ(ItemsBelow(Between(text, "\"taken\": [", "\n  ]"), root), c.taken) << text;
+    EXPECT_EQ(ItemsBelow(Between(text, "\"left\": [", "\n  ]"), root), c.left) << text;
+  }
+  // The refused entry is left, named as written.
+  const std::string text = ReadFileBytes(worker / L"plugins.json");
+  EXPECT_NE(Between(text, "\"left\": [", "\n  ]").find("{\"kind\": \"refused\", \"name\": \"C:\\\\boot.ini\", "
+                                                  "\"reason\": \"no folder token before the first \\\\\""),
+            npos) << text;
+  EXPECT_TRUE(PathExists(temp.held) && PathExists(files + L"\\keep.txt"));
+  EXPECT_FALSE(PathExists(files + L"\\a.log"));
+}
+
+}  // namespace
+}  // namespace scourel::test
