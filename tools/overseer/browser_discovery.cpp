@@ -183,7 +183,9 @@ class Finder {
       }
       return std::wstring();
     };
-    const std::string source = "[" + Utf8(section.name) + "]";
+    // Appended, not prefixed: GCC 12's -Wrestrict misreads an insert at 0 under -O3.
+    std::string source = "[";
+    source.append(Utf8(section.name)).append("]");
     const std::wstring path = value(profile ? L"Path" : L"Default");
     if (path.empty()) {
       if (profile) Note(browser, source + " has no Path: passed over");

@@ -6,6 +6,7 @@
 #include "browsers/browser_traces.h"
 #include "overseer/current_directory.h"
 #include "overseer/fix_scope.h"
+#include "overseer/report_output.h"
 #include "overseer/settings_writer.h"
 #include "plugins/plugin_definitions.h"
 #include "plugins/plugin_files.h"
@@ -26,12 +27,6 @@ namespace {
 namespace p = scourel::protocol;
 using scourel::TaskContext;
 using scourel::TaskTotals;
-
-std::string Narrow(const std::wstring& text) {
-  std::string out;
-  for (wchar_t c : text) out += (c > 0 && c < 128) ? static_cast<char>(c) : '?';
-  return out;
-}
 
 // One run: the recording io, the totals the erasing form adds to, and the
 // switches as the worker would read them once the command line's were written.
@@ -172,7 +167,7 @@ class PreviewRun {
     const std::wstring folder = scourel::PluginsFolder(context_.installRoot);
     for (const std::wstring& name : scourel::PluginNames(folder, &io_)) {
       const scourel::LoadedPlugin plugin = scourel::LoadPlugin(folder, name);
-      PreviewGroup& group = Group("plugins", {}, Narrow(name));
+      PreviewGroup& group = Group("plugins", {}, Utf8(name));
       const std::int32_t items = totals_.pluginItems.get();
       const float bytes = totals_.pluginBytes.get();
       if (plugin.status == scourel::LoadStatus::kRead) {

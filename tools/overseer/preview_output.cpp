@@ -18,7 +18,9 @@ std::string AttributeText(std::uint32_t attributes) {
                                   {FILE_ATTRIBUTE_HIDDEN, "hidden"},
                                   {FILE_ATTRIBUTE_SYSTEM, "system"},
                                   {FILE_ATTRIBUTE_ARCHIVE, "archive"}}) {
-    if (attributes & bit) text += (text.empty() ? "" : "+") + std::string(name);
+    if (!(attributes & bit)) continue;
+    if (!text.empty()) text += '+';
+    text += name;
   }
   return text.empty() ? "normal" : text;
 }
@@ -135,7 +137,8 @@ std::string PreviewTable(const std::string& command, const Preview& preview) {
     // The JSON document keeps every group; the table only those with something in them.
     const bool counted = std::any_of(group.counts.begin(), group.counts.end(), [](const auto& c) { return c.second != 0; });
     if (items[g].empty() && !counted && group.bytes == 0) continue;
-    out += "\n" + GroupTitle(group) + ": " + CountsText(group) + "\n";
+    // Appended piece by piece: GCC 12's -Wrestrict misreads a prefixed literal under -O3.
+    out.append("\n").append(GroupTitle(group)).append(": ").append(CountsText(group)).append("\n");
     if (!group.note.empty()) out += "  note: " + group.note + "\n";
     for (const Change* change : items[g]) out += ItemLine(*change);
     listed += items[g].size();
