@@ -6,6 +6,7 @@
 #include <regex>
 
 #include "protocol/messages.h"
+#include "support/fixtures.h"
 #include "support/process_threads.h"
 #include "support/worker_harness.h"
 
@@ -181,6 +182,21 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
 TEST(WorkerProtocolTest, SecondSetPcTracesStopsTheTaskThatReplacedIt) {
   WorkerHarness worker(L"proto-pc-later");
   ASSERT_TRUE(worker.Started());
+  // A long run history keeps the first task busy erasing it, value by value,
+  // well past the second start: a first task that ended before the second
+  // began would rightly leave itself in the slot and nobody would be stopped.
+  constexpr wchar_t kRunMru[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRU";
+  const Cleanup gone([&] { ::SHDeleteKeyW(HKEY_CURRENT_USER, kRunMru); });
+  {
+    UniqueRegKey key;
+    ASSERT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, kRunMru, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(), nullptr),
+              ERROR_SUCCESS);
+    for (int i = 0; i < 20000; ++i) {
+      const std::wstring name = L"v" + std::to_wstring(i);
+      ::RegSetValueExW(key.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(L"x"), 2 * sizeof(wchar_t));
+    }
+  }
+  worker.WriteSetting(L"IDS_PCRUNHISTORY", L"TRUE");
   // Whichever of the two ends first, the first to end finds the other in the
   // slot (or itself, then the other finds it): one of them stops the other.
   worker.Send(2073);
