@@ -7,6 +7,9 @@
 #include <set>
 
 #include "common/known_folders.h"
+#include "overseer/report_output.h"
+#include "protocol/messages.h"
+#include "registry_cleaner/registry_issues.h"
 #include "overseer_runner.h"
 #include "sandbox_snapshot.h"
 #include "support/browser_fixture.h"
@@ -36,11 +39,9 @@ std::string Value(const std::string& part, const std::string& name) {
   return value;
 }
 
-// A path as the JSON documents spell it (ASCII paths only).
+// A path as the JSON documents spell it.
 std::string Utf8Escaped(const std::wstring& path) {
-  std::string out;
-  for (wchar_t c : path) out += c == L'\\' ? std::string("\\\\") : std::string(1, static_cast<char>(c));
-  return out;
+  return std::regex_replace(overseer::Utf8(path), std::regex("\\\\"), "\\\\");
 }
 
 std::string ScanFields(const std::string& json, unsigned kind) {
@@ -224,6 +225,85 @@ TEST(PreviewTest, ReceiptListsWhatTheCleanTookAndWhatItLeftAndWhy) {
             npos) << text;
   EXPECT_TRUE(PathExists(temp.held) && PathExists(files + L"\\keep.txt"));
   EXPECT_FALSE(PathExists(files + L"\\a.log"));
+}
+
+// Links are neither followed nor taken; a name outside the BMP is listed as
+// it is; a file past MAX_PATH, which the worker's walk does not reach under
+// Wine, is not listed and the clean leaves it. The preview changes nothing.
+TEST(PreviewTest, LinksStayAndLongAndNonBmpNamesAreListedAsTheCleanTakesThem) {
+  Installed worker(L"preview-names");
+  const CanaryTree canary(worker / L"canary");
+  const std::wstring folder = TempFolder() + L"scourel-preview-names", link = folder + L"\\file-link.tmp";
+  const Cleanup removed = RemovedAtEnd({folder});
+  const Cleanup unlinked([&] { RemoveUnixLink(link); });
+  std::wstring distant = L"\\\\?\\" + folder;
+  for (wchar_t part = L'a'; part < L'k'; ++part) distant += L"\\" + std::wstring(30, part);
+  MakeDirs(distant);
+  distant += L"\\far.tmp";
+  ASSERT_GT(distant.size(), static_cast<std::size_t>(MAX_PATH));
+  WriteFileBytes(distant, "far");
+  const std::wstring smile = L"\\smile-\U0001F600.tmp";
+  WriteFileBytes(folder + smile, "smile");
+  ASSERT_TRUE(MakeUnixSymlink(canary.root() + L"\\canary.txt", link));
+  ASSERT_TRUE(MakeUnixSymlink(canary.root() + L"\\sub", folder + L"\\folder-link"));
+
+  const Snapshot before = TakeSnapshot({folder, canary.root()}, {});
+  const OverseerRun preview = RunOverseer(worker.Worker(L"--json preview junk"));
+  ASSERT_EQ(preview.exitCode, 0) << preview.out << preview.err;
+  EXPECT_EQ(ItemsBelow(PreviewGroup(preview.out, "junk"), Utf8Escaped(folder)),
+            std::set<std::string>{"file " + Utf8Escaped(smile)}) << preview.out;
+  EXPECT_EQ(Differences(before, TakeSnapshot({folder, canary.root()}, {})), "");
+  ASSERT_EQ(RunOverseer(worker.Worker(L"--timeout 120 clean junk")).exitCode, 0);
+  EXPECT_FALSE(PathExists(folder + smile));
+  EXPECT_TRUE(PathExists(distant) && PathExists(link));
+  EXPECT_EQ(canary.Damage(), L"");
+}
+
+// However the clean ends, the receipt is written and says why what it was
+// to take is still there: a worker that answers the clean with "stopped",
+// and one that never answers.
+TEST(PreviewTest, ReceiptOfAStoppedOrUnfinishedCleanSaysWhyItemsWereLeft) {
+  CloseRunningWorkers();
+  ScratchDir dir(L"preview-receipt-ends");
+  const std::wstring folder = TempFolder() + L"scourel-receipt-ends";
+  const Cleanup removed = RemovedAtEnd({folder});
+  PlantFile(folder + L"\\left.tmp", "left");
+  const struct {
+    bool stops;
+    std::string status, reason;
+  } cases[] = {{true, "stopped", "the task was stopped"}, {false, "failed", "the clean did not finish"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.status);
+    const WindowThread worker(protocol::kWorkerClass, protocol::kWorkerWindowTitle,
+                              [&](HWND, UINT message, WPARAM, LPARAM) -> std::optional<LRESULT> {
+                                if (message != 2034) return std::nullopt;  // junk's start; 2036 its "stopped"
+                                if (c.stops) ::PostMessageW(::FindWindowW(protocol::kControllerClass, nullptr), 2036, 0, 0);
+                                return 0;
+                              });
+    const std::wstring receipt = dir / L"receipt.json";
+    const OverseerRun run = RunOverseer(L"--timeout " + std::wstring(c.stops ? L"120" : L"1") + L" --receipt \"" +
+                                        receipt + L"\" clean junk");
+    EXPECT_EQ(run.exitCode, c.stops ? 3 : 1) << run.out << run.err;
+    const std::string text = ReadFileBytes(receipt);
+    EXPECT_EQ(Value(text, "status"), c.status);
+    EXPECT_EQ(ItemsBelow(Between(text, "\"left\": [", "\n  ]"), Utf8Escaped(folder)),
+              (std::set<std::string>{"file \\\\left.tmp " + c.reason, "folder  " + c.reason})) << text;
+  }
+}
+
+// A fix needs the worker's last scan: one that overseer starts for a receipt
+// scans first, so the fix takes what the preview listed.
+TEST(PreviewTest, FixWithAReceiptScansInTheWorkerItStarts) {
+  SeededRegistry seed;
+  Installed worker(L"preview-fix-receipt");
+  const std::wstring receipt = worker / L"fix.json";
+  const OverseerRun run = RunOverseer(worker.Worker(L"--timeout 120 --yes --receipt \"" + receipt + L"\" fix extensions"));
+  ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_NE(run.out.find("command   scan, for the receipt"), npos) << run.out;
+  const std::string text = ReadFileBytes(receipt);
+  EXPECT_NE(Value(text, "taken"), "0") << text;
+  EXPECT_EQ(Value(text, "left"), "0") << text;
+  EXPECT_EQ(seed.Damage({kCatExtensions}), L"");
 }
 
 }  // namespace

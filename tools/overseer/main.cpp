@@ -222,22 +222,30 @@ int wmain(int argc, wchar_t** argv) {
   if (!options.json && report.browserRows) Print(BrowserRowsTable(*report.browserRows));
   report.pluginRows = MeasurePluginRows(options, report.workerPath);
   if (!options.json && report.pluginRows) Print(PluginRowsTable(*report.pluginRows));
-  if (!options.backupPath.empty()) {
-    // The worker fixes what its own scan found: scan there, then here, and
-    // save what the fix may delete.
+  // Taken first, so that a receipt is written even when the scan below fails.
+  if (!options.receiptPath.empty()) beforeClean = RunPreview(options, report.workerPath, nullptr);
+  // The worker fixes what its own last scan found, and one just started has
+  // none: for a backup or a receipt it scans first, or the fix has nothing to take.
+  const bool receiptNeedsScan = options.verb == Verb::kFix && !options.receiptPath.empty() && !attached;
+  if (!options.backupPath.empty() || receiptNeedsScan) {
     Options scan;
     scan.verb = Verb::kScan;
     const CommandPlan scanPlan = *PlanFor(scan);
-    if (!options.json) Print("command   scan, for the backup (message " + std::to_string(scanPlan.message) + ")\n");
+    if (!options.json) {
+      Print(std::string("command   scan, for the ") + (options.backupPath.empty() ? "receipt" : "backup") +
+            " (message " + std::to_string(scanPlan.message) + ")\n");
+    }
     const RunOutcome scanned = session.Run(scanPlan, timeoutMs);
     if (scanned.exitCode != 0) return finish(&session, scanned);
+  }
+  if (!options.backupPath.empty()) {
+    // Scanned there, now here too: save what the fix may delete.
     std::size_t keys = 0;
     if (auto error = WriteFixBackup(options.backupPath, fixCategories, report.replies, &keys)) {
       return finish(&session, {"failed", *error, 1});
     }
     if (!options.json) Print("backup    " + Utf8(FullPath(options.backupPath)) + ": " + std::to_string(keys) + " keys\n");
   }
-  if (!options.receiptPath.empty()) beforeClean = RunPreview(options, report.workerPath, nullptr);
   if (!options.json) Print("command   " + report.command + " (message " + std::to_string(plan->message) + ")\n");
   return finish(&session, session.Run(*plan, timeoutMs));
 }

@@ -15,8 +15,16 @@ using scourel::Win32Error;
 
 constexpr DWORD kWriteAccess = 2;
 
+// Every file call looks paths up by their upper case; most are ASCII, and
+// those need no call into the system.
 std::wstring Upper(std::wstring text) {
-  if (!text.empty()) ::CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
+  for (wchar_t& c : text) {
+    if (c >= 0x80) {
+      ::CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
+      break;
+    }
+    if (c >= L'a' && c <= L'z') c = static_cast<wchar_t>(c - (L'a' - L'A'));
+  }
   return text;
 }
 
@@ -104,7 +112,25 @@ DWORD RecordingIo::Attributes(const std::wstring& path) {
   if (goneFiles_.count(key)) return INVALID_FILE_ATTRIBUTES;
   if (renamed_.count(key)) return FILE_ATTRIBUTE_ARCHIVE;
   if (const auto found = attributes_.find(key); found != attributes_.end()) return found->second;
-  return ::GetFileAttributesW(path.c_str());
+  return RealAttributes(path);
+}
+
+DWORD RecordingIo::RealAttributes(const std::wstring& path) {
+  std::wstring key = FileKey(path);
+  if (const auto found = listed_.find(key); found != listed_.end()) return found->second;
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  // A name near the entries (the obscured name a rename would take) is
+  // asked once while its folder is listed.
+  const std::size_t slash = key.rfind(L'\\');
+  for (Listing& listing : listings_) {
+    if (slash == std::wstring::npos || key.compare(0, slash, listing.folder) != 0 || listing.folder.size() != slash) {
+      continue;
+    }
+    listing.asked.push_back(key);
+    listed_.emplace(std::move(key), attributes);
+    break;
+  }
+  return attributes;
 }
 
 std::error_code RecordingIo::SetAttributes(const std::wstring& path, DWORD attributes) {
@@ -128,7 +154,7 @@ std::error_code RecordingIo::OpenFile(const std::wstring& path, DWORD access, DW
   std::error_code error = ShredIo::OpenFile(path, access, shareMode, flags, file);
   // Read-only was cleared on paper only: the real file still refuses write
   // access, so the open is judged by what it can tell without it.
-  const DWORD real = ::GetFileAttributesW(path.c_str());
+  const DWORD real = RealAttributes(path);
   if (error && (access & kWriteAccess) && real != INVALID_FILE_ATTRIBUTES && (real & FILE_ATTRIBUTE_READONLY) &&
       !(Attributes(path) & FILE_ATTRIBUTE_READONLY)) {
     error = ShredIo::OpenFile(path, access & ~kWriteAccess, shareMode, flags, file);
@@ -159,16 +185,10 @@ std::error_code RecordingIo::DiskFreeSpace(const std::wstring& drive, DWORD* sec
   return volume.spaceError;
 }
 
-std::error_code RecordingIo::OpenVolume(const std::wstring& drive, scourel::UniqueHandleKernel& handle) {
-  const Volume& volume = VolumeOf(drive);
-  if (volume.openError) return volume.openError;
-  HANDLE copy = nullptr;
-  if (!::DuplicateHandle(::GetCurrentProcess(), volume.handle.get(), ::GetCurrentProcess(), &copy, 0, FALSE,
-                         DUPLICATE_SAME_ACCESS)) {
-    return scourel::LastError();
-  }
-  handle.reset(copy);
-  return {};
+// The shredder opens the volume only to learn that it opens; a copy of the
+// handle for every file would cost two more system calls each.
+std::error_code RecordingIo::OpenVolume(const std::wstring& drive, scourel::UniqueHandleKernel&) {
+  return VolumeOf(drive).openError;
 }
 
 std::error_code RecordingIo::FileSize(HANDLE file, std::uint64_t* size) {
@@ -177,6 +197,21 @@ std::error_code RecordingIo::FileSize(HANDLE file, std::uint64_t* size) {
     if (const auto found = openFiles_.find(file); found != openFiles_.end()) sizes_[FileKey(found->second)] = *size;
   }
   return error;
+}
+
+// GetFileInformationByHandle also asks for the volume's serial number, which
+// under Wine is a round trip to the mount manager for every file; these two
+// read the handle alone and give the same attributes and link count.
+std::error_code RecordingIo::Identity(HANDLE file, DWORD* attributes, DWORD* linkCount) {
+  FILE_BASIC_INFO basic{};
+  FILE_STANDARD_INFO standard{};
+  if (!::GetFileInformationByHandleEx(file, FileBasicInfo, &basic, sizeof basic) ||
+      !::GetFileInformationByHandleEx(file, FileStandardInfo, &standard, sizeof standard)) {
+    return scourel::LastError();
+  }
+  *attributes = basic.FileAttributes;
+  *linkCount = standard.NumberOfLinks;
+  return {};
 }
 
 std::error_code RecordingIo::Seek(HANDLE, std::uint64_t) { return {}; }
@@ -230,23 +265,32 @@ std::error_code RecordingIo::RemoveFolder(const std::wstring& path) {
   std::wstring folder = path;
   while (folder.size() > 3 && folder.back() == L'\\') folder.pop_back();
   // Empty once everything it lists was taken.
-  WIN32_FIND_DATAW entry;
-  const scourel::UniqueFindHandle find(::FindFirstFileW((folder + L"\\*").c_str(), &entry));
-  if (find) {
-    do {
-      const std::wstring_view name = entry.cFileName;
-      if (name == L"." || name == L"..") continue;
-      if (!goneFiles_.count(FileKey(folder + L"\\" + entry.cFileName))) return Win32Error(ERROR_DIR_NOT_EMPTY);
-    } while (::FindNextFileW(find.get(), &entry));
+  const std::wstring key = FileKey(folder);
+  if (lastListed_ && lastListed_->folder == key) {
+    const Listing listed = std::move(*lastListed_);
+    lastListed_.reset();
+    for (const std::wstring& entry : listed.entries) {
+      if (!goneFiles_.count(entry)) return Win32Error(ERROR_DIR_NOT_EMPTY);
+    }
+  } else {
+    WIN32_FIND_DATAW entry;
+    const scourel::UniqueFindHandle find(::FindFirstFileW((folder + L"\\*").c_str(), &entry));
+    if (find) {
+      do {
+        const std::wstring_view name = entry.cFileName;
+        if (name == L"." || name == L"..") continue;
+        if (!goneFiles_.count(FileKey(folder + L"\\" + entry.cFileName))) return Win32Error(ERROR_DIR_NOT_EMPTY);
+      } while (::FindNextFileW(find.get(), &entry));
+    }
   }
-  goneFiles_.insert(FileKey(folder));
+  goneFiles_.insert(key);
   Add(Made(ChangeKind::kFolder, folder));
   return {};
 }
 
 bool RecordingIo::ProbeReadWrite(const std::wstring& path) {
   if (Attributes(path) == INVALID_FILE_ATTRIBUTES) return false;
-  const DWORD real = ::GetFileAttributesW(path.c_str());
+  const DWORD real = RealAttributes(path);
   const bool clearedOnPaper = real != INVALID_FILE_ATTRIBUTES && (real & FILE_ATTRIBUTE_READONLY) &&
                               !(Attributes(path) & FILE_ATTRIBUTE_READONLY);
   const DWORD access = clearedOnPaper ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
@@ -259,12 +303,30 @@ void RecordingIo::ListFolder(const std::wstring& pattern,
                              const std::function<bool(const WIN32_FIND_DATAW&)>& visit) {
   const std::size_t slash = pattern.rfind(L'\\');
   const std::wstring folder = slash == std::wstring::npos ? std::wstring() : pattern.substr(0, slash + 1);
+  lastListed_.reset();
+  listings_.push_back({FileKey(folder), {}, {}});
+  const std::size_t depth = listings_.size() - 1;
+  bool toTheEnd = true;
   CleanerIo::ListFolder(pattern, [&](const WIN32_FIND_DATAW& entry) {
     const std::wstring_view name = entry.cFileName;
-    const bool dot = name == L"." || name == L"..";
-    if (!dot && !goneFiles_.empty() && goneFiles_.count(FileKey(folder + entry.cFileName))) return true;
-    return visit(entry);
+    if (name == L"." || name == L"..") return toTheEnd = visit(entry);
+    std::wstring key = FileKey(folder + entry.cFileName);
+    if (goneFiles_.count(key)) return true;
+    listed_[key] = entry.dwFileAttributes;
+    listings_[depth].entries.push_back(std::move(key));
+    return toTheEnd = visit(entry);
   });
+  Listing done = std::move(listings_.back());
+  listings_.pop_back();
+  for (const auto* keys : {&done.entries, &done.asked}) {
+    for (const std::wstring& key : *keys) listed_.erase(key);
+  }
+  // A listing of every name, run to its end, tells whether the folder is
+  // empty once its entries were taken: the walks remove a folder right after
+  // listing it.
+  if (toTheEnd && (pattern.ends_with(L"\\*") || pattern.ends_with(L"\\*.*"))) {
+    lastListed_ = std::move(done);
+  }
 }
 
 void RecordingIo::EnterBrowserStep(scourel::protocol::Browser browser) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -71,6 +72,7 @@ class RecordingIo : public scourel::CleanerIo {
   std::error_code OpenVolume(const std::wstring& drive, scourel::UniqueHandleKernel& volume) override;
   std::error_code DiskFreeSpace(const std::wstring& drive, DWORD* sectorsPerCluster, DWORD* bytesPerSector) override;
   std::error_code FileSize(HANDLE file, std::uint64_t* size) override;
+  std::error_code Identity(HANDLE file, DWORD* attributes, DWORD* linkCount) override;
   std::error_code Seek(HANDLE file, std::uint64_t offset) override;
   std::error_code Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) override;
   std::error_code Flush(HANDLE file) override;
@@ -98,6 +100,10 @@ class RecordingIo : public scourel::CleanerIo {
   // The key's full name when it exists and was not recorded as deleted.
   std::wstring LiveKey(HKEY root, const std::wstring& subkey, REGSAM view);
   void CountBelow(HKEY key, const std::wstring& name, Change& change);
+  // GetFileAttributesW, answered from the listing when the path is an entry
+  // of a folder being listed: the walks act on each entry as the listing
+  // gives it, and asking the system again would only repeat its answer.
+  DWORD RealAttributes(const std::wstring& path);
 
   std::uint32_t group_ = 0;
   std::function<void(scourel::protocol::Browser)> onBrowserStep_;
@@ -110,6 +116,14 @@ class RecordingIo : public scourel::CleanerIo {
   std::unordered_set<std::wstring> goneKeys_;         // upper-cased full key names
   std::unordered_set<std::wstring> goneValues_;       // upper-cased key name + '\n' + value name
   std::wstring userPrefix_;
+  struct Listing {
+    std::wstring folder;                // FileKey()
+    std::vector<std::wstring> entries;  // FileKey() of each entry listed
+    std::vector<std::wstring> asked;    // other names of the folder asked for while it was listed
+  };
+  std::vector<Listing> listings_;     // the folders being listed, outermost first
+  std::optional<Listing> lastListed_;  // the last folder listed whole, until RemoveFolder asks for it
+  std::unordered_map<std::wstring, DWORD> listed_;  // by FileKey(): real attributes of their entries
   // A volume's geometry does not change while a preview runs: asked once a drive.
   struct Volume {
     std::error_code spaceError, openError;
