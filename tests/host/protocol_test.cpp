@@ -6,6 +6,7 @@
 #include <regex>
 
 #include "protocol/messages.h"
+#include "protocol/tasks.h"
 #include "support/fixtures.h"
 #include "support/process_threads.h"
 #include "support/worker_harness.h"
@@ -132,6 +133,12 @@ TEST(WorkerProtocolTest, EveryStartCommandRepliesAsSpecified) {
       SCOPED_TRACE(i);
       EXPECT_EQ(results[i].id, c.results[i].id);
       CheckReply(worker, results[i], c.results[i]);
+    }
+    if (c.command == protocol::SpecOf(protocol::Task::kFullScan).sets[0].start) {
+      // overseer waits for the records the task table lists.
+      std::vector<unsigned> kinds;
+      for (const auto& m : results) kinds.push_back(m.kind);
+      EXPECT_THAT(kinds, testing::ElementsAreArray(protocol::kFullScanReplies));
     }
   }
 }
