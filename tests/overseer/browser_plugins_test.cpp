@@ -1,5 +1,6 @@
 // overseer plugins browsers over today's browsers planted in the sandbox
 // profile, and the worker's full scan and plug-in clean over what it wrote.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -186,7 +187,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
         std::string("[Profile3] path \"Profiles/../../../escape\": it climbs with \"..\": refused"),
         "[Profile4] path \"" + overseer::Utf8(canary.root()) + "\": outside the user's folders: refused",
         "[Profile5] names \"" + overseer::Utf8(desktop) + "\", a folder of the system's own: refused"}) {
-    EXPECT_NE(run.out.find(line), std::string::npos) << line << "\n" << run.out;
+    EXPECT_THAT(run.out, testing::HasSubstr(line));
   }
   // Past 30 files a profile's plug-in goes on in a second one.
   const std::set<std::wstring> generated = {
@@ -224,7 +225,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   std::set<std::wstring> remaining = generated;
   for (const wchar_t* gone : {L"Edge - Work", L"Edge - Work (2)"}) {
-    EXPECT_NE(run.out.find("removed   " + overseer::Utf8(gone) + ".cv"), std::string::npos) << run.out;
+    EXPECT_THAT(run.out, testing::HasSubstr("removed   " + overseer::Utf8(gone) + ".cv"));
     remaining.erase(gone);
   }
   EXPECT_EQ(PluginSet(plugins), remaining);
