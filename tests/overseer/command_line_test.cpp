@@ -20,12 +20,8 @@ ParseResult Parse(const std::wstring& line) {
 
 namespace p = scourel::protocol;
 
-std::vector<ReplyKey> Keys(std::initializer_list<p::Reply> replies) {
-  std::vector<ReplyKey> keys;
-  for (const p::Reply& reply : replies) {
-    if (reply.exists()) keys.push_back({reply.id, reply.kind});
-  }
-  return keys;
+std::vector<ReplyKey> Keys(const p::Reply& reply) {
+  return reply.exists() ? std::vector{ReplyKey{reply.id, reply.kind}} : std::vector<ReplyKey>{};
 }
 
 // Each command line drives one command of one set of the task table (its
@@ -66,8 +62,8 @@ TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
     const p::CommandSet& set = p::SpecOf(c.task).sets[c.set];
     EXPECT_EQ(plan->message, c.does == kStart ? set.start : set.stop);
     EXPECT_EQ(plan->end, c.does == kStart ? EndOn::kAwaitedReplies : EndOn::kSendReturns);
-    EXPECT_EQ(plan->awaited, c.does == kStart ? Keys({set.done}) : Keys({set.stopped}));
-    EXPECT_EQ(plan->stoppedBy, c.does == kStart ? Keys({set.stopped}) : Keys({}));
+    EXPECT_EQ(plan->awaited, Keys(c.does == kStart ? set.done : set.stopped));
+    EXPECT_EQ(plan->stoppedBy, Keys(c.does == kStart ? set.stopped : p::Reply{}));
     EXPECT_EQ(plan->needsRunningWorker, c.does == kStop);
   }
   // The scan waits for every record of the full scan; close for the worker's end.
