@@ -36,7 +36,7 @@ TEST(LocalStateTest, ListsTheProfilesOfValidJsonAndRefusesAnythingElse) {
     std::string text = valid.substr(0, random() % (valid.size() + 1));
     for (int n = random() % 4; n > 0 && !text.empty(); --n) text[random() % text.size()] = static_cast<char>(random());
     for (const auto& profile : overseer::ParseLocalState(text).value_or(std::vector<overseer::ListedProfile>{})) {
-      EXPECT_NE(text.find(overseer::Utf8(profile.folder)), std::string::npos) << text;
+      EXPECT_THAT(text, testing::HasSubstr(overseer::Utf8(profile.folder)));
     }
   }
 }
