@@ -133,7 +133,6 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   float bytes = 0;
   for (size_t i = 0; i < std::size(kPlanted); ++i) {
     const std::wstring path = (kPlanted[i].roaming ? roaming : local) + L"\\" + kPlanted[i].path;
-    MakeDirs(path.substr(0, path.rfind(L'\\')));
     WriteFileBytes(path, std::string(100 + 10 * i, static_cast<char>('a' + i)));
     if (kPlanted[i].fate == Fate::kGenerated) count += 1, bytes += static_cast<float>(100 + 10 * i);
   }
@@ -158,7 +157,6 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
                  "[Profile3]\r\nName=climber\r\nIsRelative=1\r\nPath=Profiles/../../../escape\r\n"
                  "[Profile4]\r\nName=outside\r\nIsRelative=0\r\nPath=" + overseer::Utf8(canary.root()) + "\r\n" +
                  "[Profile5]\r\nName=desk\r\nIsRelative=0\r\nPath=" + overseer::Utf8(desktop) + "\r\n");
-  MakeDirs(plugins);
   const std::string mine = "[Info]\r\nDescription=Mine\r\nDeleteFile1=%LocalAppData%\\Vivaldi\\absent.log\r\n";
   WriteFileBytes(plugins + L"\\Mine.cv", mine);
 
