@@ -42,8 +42,7 @@ TEST(StopDuringShredTest, LeavesTheFileUnderItsNameAndAddsNothingAfterTheReply) 
   worker.Send(2052);
   ASSERT_TRUE(worker.WaitFor(2053));
   WriteFileBytes(big, std::string(kBig, 'Q'));
-  DWORD pid = 0;
-  ::GetWindowThreadProcessId(worker.worker(), &pid);
+  const DWORD pid = worker.processId();
   const std::set<DWORD> idle = ThreadsOf(pid);
 
   worker.ClearReceived();

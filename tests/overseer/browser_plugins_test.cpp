@@ -1,5 +1,6 @@
 // overseer plugins browsers over today's browsers planted in the sandbox
 // profile, and the worker's full scan and plug-in clean over what it wrote.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -35,7 +36,7 @@ TEST(LocalStateTest, ListsTheProfilesOfValidJsonAndRefusesAnythingElse) {
     std::string text = valid.substr(0, random() % (valid.size() + 1));
     for (int n = random() % 4; n > 0 && !text.empty(); --n) text[random() % text.size()] = static_cast<char>(random());
     for (const auto& profile : overseer::ParseLocalState(text).value_or(std::vector<overseer::ListedProfile>{})) {
-      EXPECT_NE(text.find(overseer::Utf8(profile.folder)), std::string::npos) << text;
+      EXPECT_THAT(text, testing::HasSubstr(overseer::Utf8(profile.folder)));
     }
   }
 }
@@ -132,7 +133,6 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   float bytes = 0;
   for (size_t i = 0; i < std::size(kPlanted); ++i) {
     const std::wstring path = (kPlanted[i].roaming ? roaming : local) + L"\\" + kPlanted[i].path;
-    MakeDirs(path.substr(0, path.rfind(L'\\')));
     WriteFileBytes(path, std::string(100 + 10 * i, static_cast<char>('a' + i)));
     if (kPlanted[i].fate == Fate::kGenerated) count += 1, bytes += static_cast<float>(100 + 10 * i);
   }
@@ -157,7 +157,6 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
                  "[Profile3]\r\nName=climber\r\nIsRelative=1\r\nPath=Profiles/../../../escape\r\n"
                  "[Profile4]\r\nName=outside\r\nIsRelative=0\r\nPath=" + overseer::Utf8(canary.root()) + "\r\n" +
                  "[Profile5]\r\nName=desk\r\nIsRelative=0\r\nPath=" + overseer::Utf8(desktop) + "\r\n");
-  MakeDirs(plugins);
   const std::string mine = "[Info]\r\nDescription=Mine\r\nDeleteFile1=%LocalAppData%\\Vivaldi\\absent.log\r\n";
   WriteFileBytes(plugins + L"\\Mine.cv", mine);
 
@@ -186,7 +185,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
         std::string("[Profile3] path \"Profiles/../../../escape\": it climbs with \"..\": refused"),
         "[Profile4] path \"" + overseer::Utf8(canary.root()) + "\": outside the user's folders: refused",
         "[Profile5] names \"" + overseer::Utf8(desktop) + "\", a folder of the system's own: refused"}) {
-    EXPECT_NE(run.out.find(line), std::string::npos) << line << "\n" << run.out;
+    EXPECT_THAT(run.out, testing::HasSubstr(line));
   }
   // Past 30 files a profile's plug-in goes on in a second one.
   const std::set<std::wstring> generated = {
@@ -224,7 +223,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   std::set<std::wstring> remaining = generated;
   for (const wchar_t* gone : {L"Edge - Work", L"Edge - Work (2)"}) {
-    EXPECT_NE(run.out.find("removed   " + overseer::Utf8(gone) + ".cv"), std::string::npos) << run.out;
+    EXPECT_THAT(run.out, testing::HasSubstr("removed   " + overseer::Utf8(gone) + ".cv"));
     remaining.erase(gone);
   }
   EXPECT_EQ(PluginSet(plugins), remaining);

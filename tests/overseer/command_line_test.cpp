@@ -18,40 +18,40 @@ ParseResult Parse(const std::wstring& line) {
   return ParseCommandLine(words);
 }
 
-std::vector<ReplyKey> Copy(std::initializer_list<unsigned> kinds) {
-  std::vector<ReplyKey> keys;
-  for (unsigned kind : kinds) keys.push_back({kCopyDataMessage, kind});
-  return keys;
-}
-std::vector<ReplyKey> Msg(unsigned id) { return {{id, 0}}; }
+namespace p = scourel::protocol;
 
-// Each command line: the message sent and the replies that end the wait.
+std::vector<ReplyKey> Keys(const p::Reply& reply) {
+  return reply.exists() ? std::vector{ReplyKey{reply.id, reply.kind}} : std::vector<ReplyKey>{};
+}
+
+// Each command line drives one command of one set of the task table (its
+// ids are pinned by the worker's protocol test): a start waits for the
+// task's end or its stop's reply, a stop for the stop's reply alone.
 TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
+  enum Does { kStart, kStop };
   const struct {
     const wchar_t* line;
-    unsigned message;
-    EndOn end;
-    std::vector<ReplyKey> awaited, stoppedBy;
+    p::Task task;
+    int set;
+    Does does;
   } cases[] = {
-      {L"scan", 2087, EndOn::kAwaitedReplies, Copy({101, 107, 109, 102, 108, 105, 104, 103, 106}), {}},
-      {L"clean junk", 2034, EndOn::kAwaitedReplies, Msg(2035), Msg(2036)},
-      {L"--second-set clean junk", 2058, EndOn::kAwaitedReplies, Msg(2059), Msg(2060)},
-      {L"clean browser", 2046, EndOn::kAwaitedReplies, Copy({305}), Copy({306})},
-      {L"clean browser --second-set", 2070, EndOn::kAwaitedReplies, Msg(2071), Msg(2072)},
-      {L"clean pc", 2049, EndOn::kAwaitedReplies, Copy({303}), Copy({304})},
-      {L"clean pc --second-set", 2073, EndOn::kAwaitedReplies, Msg(2074), Msg(2075)},
-      {L"clean plugins", 2055, EndOn::kAwaitedReplies, Msg(2056), Msg(2057)},
-      {L"fix registry", 2037, EndOn::kAwaitedReplies, Msg(2038), Msg(2063)},
-      {L"fix registry --second-set", 2061, EndOn::kAwaitedReplies, Msg(2062), Msg(2063)},
-      {L"fix extensions", 2043, EndOn::kAwaitedReplies, Msg(2044), {}},
-      {L"stop junk", 2036, EndOn::kSendReturns, Msg(2036), {}},
-      {L"stop browser", 2048, EndOn::kSendReturns, Copy({306}), {}},
-      {L"stop pc --second-set", 2075, EndOn::kSendReturns, Msg(2075), {}},
-      {L"stop plugins --second-set", 2081, EndOn::kSendReturns, Msg(2081), {}},
-      {L"stop scan", 2088, EndOn::kSendReturns, {}, {}},
-      {L"close", 16, EndOn::kProcessExit, {}, {}},
-      {L"--wipe dod7 wipe free e:", 2089, EndOn::kAwaitedReplies, Copy({307}), Msg(2090)},
-      {L"stop free", 2090, EndOn::kSendReturns, Msg(2090), {}},
+      {L"clean junk", p::Task::kJunkFiles, p::kFirstSet, kStart},
+      {L"--second-set clean junk", p::Task::kJunkFiles, p::kSecondSet, kStart},
+      {L"clean shortcuts", p::Task::kShortcuts, p::kFirstSet, kStart},
+      {L"clean recycle --second-set", p::Task::kRecycleBin, p::kSecondSet, kStart},
+      {L"clean browser", p::Task::kBrowser, p::kFirstSet, kStart},
+      {L"clean browser --second-set", p::Task::kBrowser, p::kSecondSet, kStart},
+      {L"clean pc", p::Task::kPcTraces, p::kFirstSet, kStart},
+      {L"clean plugins", p::Task::kPluginClean, p::kFirstSet, kStart},
+      {L"fix registry --second-set", p::Task::kRegistryFix, p::kSecondSet, kStart},
+      {L"fix extensions", p::Task::kExtensionFix, p::kFirstSet, kStart},
+      {L"--wipe dod7 wipe free e:", p::Task::kFreeSpaceWipe, p::kFirstSet, kStart},
+      {L"stop junk", p::Task::kJunkFiles, p::kFirstSet, kStop},
+      {L"stop browser", p::Task::kBrowser, p::kFirstSet, kStop},
+      {L"stop pc --second-set", p::Task::kPcTraces, p::kSecondSet, kStop},
+      {L"stop registry --second-set", p::Task::kRegistryFix, p::kSecondSet, kStop},
+      {L"stop scan", p::Task::kFullScan, p::kFirstSet, kStop},
+      {L"stop free", p::Task::kFreeSpaceWipe, p::kFirstSet, kStop},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.line);
@@ -59,12 +59,23 @@ TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
     ASSERT_TRUE(result.options) << result.error;
     const auto plan = PlanFor(*result.options);
     ASSERT_TRUE(plan);
-    EXPECT_EQ(plan->message, c.message);
-    EXPECT_EQ(plan->end, c.end);
-    EXPECT_EQ(plan->awaited, c.awaited);
-    EXPECT_EQ(plan->stoppedBy, c.stoppedBy);
-    EXPECT_EQ(plan->needsRunningWorker, c.end != EndOn::kAwaitedReplies);
+    const p::CommandSet& set = p::SpecOf(c.task).sets[c.set];
+    EXPECT_EQ(plan->message, c.does == kStart ? set.start : set.stop);
+    EXPECT_EQ(plan->end, c.does == kStart ? EndOn::kAwaitedReplies : EndOn::kSendReturns);
+    EXPECT_EQ(plan->awaited, Keys(c.does == kStart ? set.done : set.stopped));
+    EXPECT_EQ(plan->stoppedBy, Keys(c.does == kStart ? set.stopped : p::Reply{}));
+    EXPECT_EQ(plan->needsRunningWorker, c.does == kStop);
   }
+  // The scan waits for every record of the full scan; close for the worker's end.
+  const auto scan = PlanFor(*Parse(L"scan").options);
+  EXPECT_EQ(scan->message, p::SpecOf(p::Task::kFullScan).sets[p::kFirstSet].start);
+  ASSERT_EQ(scan->awaited.size(), std::size(p::kFullScanReplies));
+  for (size_t i = 0; i < scan->awaited.size(); ++i) {
+    EXPECT_EQ(scan->awaited[i], (ReplyKey{p::kCopyDataMessage, p::kFullScanReplies[i]}));
+  }
+  const auto close = PlanFor(*Parse(L"close").options);
+  EXPECT_EQ(std::tuple(close->message, close->end, close->needsRunningWorker),
+            std::tuple(16u, EndOn::kProcessExit, true));  // WM_CLOSE
   EXPECT_FALSE(PlanFor(*Parse(L"settings --wipe 3").options));  // sends nothing
   EXPECT_EQ(PlanFor(*Parse(L"wipe free e:").options)->wParam, std::uintptr_t{L'E'});  // the drive travels in wParam
   EXPECT_TRUE(Parse(L"clean --help").help);

@@ -47,8 +47,7 @@ TEST(OverseerOutputTest, TableBlockPerReply) {
                                   "          run history               0\n"))
       << pcTable;
   EXPECT_EQ(ReplyTable(DecodeMessage(2083, 2, 0)), "msg 2083  browser traces progress  step 2  done cookies\n");
-  EXPECT_NE(ReplyTable(DecodeCopyData(102, L"junk")).find("(not in the expected layout) text: junk"),
-            std::string::npos);
+  EXPECT_THAT(ReplyTable(DecodeCopyData(102, L"junk")), HasSubstr("(not in the expected layout) text: junk"));
 }
 
 }  // namespace

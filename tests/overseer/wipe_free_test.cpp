@@ -2,6 +2,7 @@
 // draws a wipe's progress.
 #include "overseer/wipe_free.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "overseer/shred_paths.h"
@@ -49,7 +50,7 @@ TEST(OverseerWipeFreeTest, RefusesWhatMustNotBeFilled) {
       EXPECT_FALSE(refusal) << refusal->text;
     } else {
       ASSERT_TRUE(refusal);
-      EXPECT_NE(refusal->text.find(c.refusal), std::string::npos) << refusal->text;
+      EXPECT_THAT(refusal->text, testing::HasSubstr(c.refusal));
       EXPECT_EQ(refusal->exitCode, 2);
     }
   }
@@ -60,12 +61,12 @@ TEST(OverseerWipeFreeTest, ProgressIsALinePerTenthOffATerminal) {
   std::string out;
   for (unsigned percent = 0; percent <= 100; ++percent) out += lines.Update(percent, percent << 20, percent * 100);
   EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 11);  // 0, 10, ..., 100
-  EXPECT_NE(out.find("progress   50%  10.0 MiB/s  5 s left\n"), std::string::npos) << out;
+  EXPECT_THAT(out, testing::HasSubstr("progress   50%  10.0 MiB/s  5 s left\n"));
   EXPECT_EQ(lines.Finish(), "");
 
   WipeProgressView bar(true);
   EXPECT_EQ(bar.Update(25, 50 << 20, 0).rfind("\r[#####               ]  25%", 0), 0u);
-  EXPECT_NE(bar.Update(26, 60 << 20, 1000).find("60.0 MiB/s"), std::string::npos);
+  EXPECT_THAT(bar.Update(26, 60 << 20, 1000), testing::HasSubstr("60.0 MiB/s"));
   EXPECT_EQ(bar.Finish(), "\n");
 }
 

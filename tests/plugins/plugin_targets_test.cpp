@@ -89,6 +89,10 @@ TEST(PluginTargetsTest, RegistryEntriesThroughTheShiftedRoots) {
       {EntryKind::kKey, lm + L"S-1\\Software\\A", L"HKEY_USERS\\S-1\\Software\\A,", ""},
       {EntryKind::kKey, L"HKEY_USERS\\Software\\A", L"HKEY_CURRENT_CONFIG\\Software\\A,", ""},
       {EntryKind::kKey, L"HKEY_CURRENT_CONFIG\\Software\\A", cu + L"HKEY_CURRENT_CONFIG\\Software\\A,", ""},
+      // The shifted table knows no other name, and compares exactly.
+      {EntryKind::kKey, cu + L"Software\\A", cu + cu + L"Software\\A,", ""},
+      {EntryKind::kKey, L"hkey_classes_root\\Software\\A", cu + L"hkey_classes_root\\Software\\A,", ""},
+      {EntryKind::kKey, L"HKEY_CLASSES_ROOT \\Software\\A", cu + L"HKEY_CLASSES_ROOT \\Software\\A,", ""},
       {EntryKind::kKey, L"Software\\A/B", cu + L"Software\\A/B,", ""},
       {EntryKind::kValue, cr + L"Software\\A,v,w", cu + L"Software\\A,v,w", ""},
       {EntryKind::kKey, cr + long_, cu + long_ + L",", "longer than the reader's buffer"},

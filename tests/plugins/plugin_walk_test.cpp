@@ -36,7 +36,6 @@ TEST(PluginWalkTest, FullScanCountsAndTheCleanTakesWhatThePluginsName) {
        {std::pair{L"single.dat", 100}, {L"logs\\a.log", 200}, {L"logs\\b.log", 300}, {L"logs\\keep.txt", 7},
         {L"logs\\sub.log\\inner.log", 9}, {L"cache\\x.bin", 400}, {L"cache\\deep\\y.bin", 500},
         {L"cache\\ro.bin", 50}, {L"keep\\file.txt", 11}}) {
-    MakeDirs(file(path).substr(0, file(path).rfind(L'\\')));
     WriteFileBytes(file(path), std::string(static_cast<size_t>(size), 'p'));
   }
   ::SetFileAttributesW(file(L"cache\\ro.bin").c_str(), FILE_ATTRIBUTE_READONLY);

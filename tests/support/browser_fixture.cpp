@@ -282,7 +282,6 @@ void PlantBrowserTraces(const BrowserScenario& scenario) {
     if (&row == Rows().data()) ::SetFileAttributesW(PathOf(row).c_str(), FILE_ATTRIBUTE_READONLY);
   }
   const std::wstring name = scenario.profilePath;
-  MakeDirs(Under(kRoaming, L"Mozilla\\Firefox"));
   WriteFileBytes(Under(kRoaming, L"Mozilla\\Firefox\\profiles.ini"),
                  "[General]\r\nStartWithLastProfile=1\r\n\r\n[Profile0]\r\nName=default\r\nIsRelative=1\r\nPath=" +
                      std::string(name.begin(), name.end()) + "\r\n");

@@ -23,6 +23,7 @@ void MakeDirs(const std::wstring& path) {
 }
 
 void WriteFileBytes(const std::wstring& path, const std::string& bytes) {
+  MakeDirs(path.substr(0, path.rfind(L'\\')));
   UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                         FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) throw std::runtime_error("cannot create test file");
@@ -81,9 +82,7 @@ CanaryTree::CanaryTree(const std::wstring& root) : root_(root) {
       {L"shortcut.lnk", "not really a shortcut"},
   };
   for (const auto& [name, bytes] : files_) {
-    const std::wstring path = JoinPath(root_, name);
-    MakeDirs(path.substr(0, path.rfind(L'\\')));
-    WriteFileBytes(path, bytes);
+    WriteFileBytes(JoinPath(root_, name), bytes);
   }
 }
 

@@ -15,6 +15,7 @@ std::wstring JoinPath(const std::wstring& folder, const std::wstring& name);
 bool PathExists(const std::wstring& path);
 // Creates the folder and any missing parents.
 void MakeDirs(const std::wstring& path);
+// Creates the file (and its folder) with exactly these bytes.
 void WriteFileBytes(const std::wstring& path, const std::string& bytes);
 std::string ReadFileBytes(const std::wstring& path);
 // Deletes a tree without following links (clears read-only on the way).

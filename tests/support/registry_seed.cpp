@@ -55,7 +55,6 @@ std::wstring Class(const wchar_t* digits) { return kClass + digits + L"}"; }
 
 SeededRegistry::SeededRegistry() {
   const std::wstring p = files_.path() + L"\\present", m = files_.path() + L"\\missing";
-  MakeDirs(p);
   for (const wchar_t* file : {L"app.exe", L"lib.dll", L"font.ttf", L"help.hlp"}) WriteFileBytes(p + L"\\" + file, "x");
   const std::wstring r1 = Class(L"01"), m1 = Class(L"02");
   const std::wstring nt = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\", fonts = nt + L"Fonts";

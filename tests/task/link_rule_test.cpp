@@ -12,7 +12,6 @@ namespace {
 TEST(LinkRule, ALocationIsReachedOnlyWithoutALinkBelowItsBase) {
   test::ScratchDir dir(L"link_rule"), outside(L"link_rule_canary");
   test::CanaryTree canary(outside / L"tree");
-  test::MakeDirs(dir / L"base\\a\\b");
   test::WriteFileBytes(dir / L"base\\a\\b\\f.txt", "f");
   ASSERT_TRUE(test::MakeUnixSymlink(canary.root(), dir / L"base\\folder-link"));
   ASSERT_TRUE(test::MakeUnixSymlink(canary.root() + L"\\canary.txt", dir / L"base\\a\\file-link.txt"));

@@ -25,10 +25,8 @@ TEST(SettingsTest, ValuesAreOnOrAnIndexOnlyWhenExact) {
   }
 }
 
-TEST(SettingsTest, KeyFamilyFollowsCommandSetAndModeArgument) {
-  EXPECT_EQ(KeyName(KeyFamily::kFirstSet, L"PCDOCUMENT"), L"IDS_CPCDOCUMENT");
-  EXPECT_EQ(KeyName(KeyFamily::kPlain, L"CACHE"), L"IDS_CACHE");
-  EXPECT_EQ(KeyName(KeyFamily::kO, L"COM"), L"IDS_OCOM");
+// The key each family reads is seen from outside in settings_family_test.
+TEST(SettingsTest, OnlyModeArgumentOSelectsTheOFamily) {
   const std::pair<const wchar_t*, KeyFamily> modes[] = {
       {L"o", KeyFamily::kO}, {L"", KeyFamily::kPlain}, {L"O", KeyFamily::kPlain},
       {L"o ", KeyFamily::kPlain}, {L"oo", KeyFamily::kPlain}, {L"-o", KeyFamily::kPlain},

@@ -51,7 +51,6 @@ struct PlantedJunk {
 struct PlantedShortcuts {
   explicit PlantedShortcuts(const std::wstring& canary) : canaryLink(canary + L"\\dead-in-canary.lnk") {
     MakeDirs(targets / L"folder");
-    MakeDirs(targets / L"\U0001F600");
     WriteFileBytes(targets / L"\U0001F600\\app.exe", "x");
     for (const wchar_t* name : {L"alive.txt", L"gone.txt", L"gone2.txt"}) WriteFileBytes(targets / name, "x");
     WriteFileBytes(system32, "probe");

@@ -61,10 +61,7 @@ inline const std::wstring kTypedPathsKey = std::wstring(kExplorerKey) + L"\\Type
 inline const std::wstring kWordWheelKey = std::wstring(kExplorerKey) + L"\\WordWheelQuery";
 inline const std::wstring kHistoryKeys[] = {kRunMruKey, kStreamMruKey, kTypedPathsKey, kWordWheelKey};
 
-inline void PlantFile(const std::wstring& path, const std::string& bytes) {
-  MakeDirs(path.substr(0, path.rfind(L'\\')));
-  WriteFileBytes(path, bytes);
-}
+inline void PlantFile(const std::wstring& path, const std::string& bytes) { WriteFileBytes(path, bytes); }
 
 // Files of known sizes, as the junk walks meet them in temp, log and report folders.
 using SizedFiles = std::vector<std::pair<std::wstring, std::size_t>>;
