@@ -360,6 +360,14 @@ bool BrowserFixture::Takes(const TraceRow& row) const {
   }
 }
 
+std::vector<std::wstring> BrowserFixture::TakenFiles() const {
+  std::vector<std::wstring> files;
+  for (const TraceRow& row : Rows()) {
+    if (row.root != kKey && row.root != kDrive && !IsFolderRow(row) && Takes(row)) files.push_back(PathOf(row));
+  }
+  return files;
+}
+
 Expected BrowserFixture::Of(std::optional<protocol::Browser> browser, BrowserCategory category, const Run& run) const {
   Expected sum;
   for (const TraceRow& row : Rows()) {

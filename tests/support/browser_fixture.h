@@ -111,6 +111,8 @@ class BrowserFixture {
 
   // Whether the scenario lets the row's category take it.
   bool Takes(const TraceRow& row) const;
+  // Every file a clean of all categories takes, by its full path.
+  std::vector<std::wstring> TakenFiles() const;
   // What a run counts in one browser's cell of one category (none: in all five).
   Expected Of(std::optional<protocol::Browser> browser, protocol::BrowserCategory category, const Run& run) const;
   // The category's total over the five browsers, as the replies carry it.
