@@ -11,8 +11,8 @@ namespace {
 
 constexpr REGSAM kViewBits = KEY_WOW64_32KEY | KEY_WOW64_64KEY;
 
-// The row's key, for full access, with the view it opened in; a row reached
-// through a registry link is left.
+// The row's key, for full access, with the view it opened in; none for a row
+// that is a registry link or is reached through one.
 struct RowKey {
   OpenedKey key;
   REGSAM view = 0;
@@ -46,7 +46,15 @@ void FixRow(CleanerIo& io, const RegistryIssue& row, bool extensionRow) {
   const HKEY root = RootKeyNamed(row.rootName);
   if (!root || row.keyPath.empty()) return;
   const RowKey opened = OpenRow(root, row.keyPath);
-  if (!opened.key) return;
+  if (!opened.key) {
+    // A key row that is itself a registry link goes as a link, so the scan
+    // stops finding it; what it names stays. Through a link on the way,
+    // the delete refuses.
+    if (row.IsKeyEntry() && !extensionRow && OpenRegKeyUnfollowed(root, row.keyPath, DELETE).isLink) {
+      (void)io.DeleteKey(root, row.keyPath, 0);
+    }
+    return;
+  }
   const KeyCounts counts = CountsOf(opened.key.get());
   if (extensionRow) {
     DeleteKeyOrValue(io, root, row, opened);

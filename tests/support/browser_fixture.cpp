@@ -187,7 +187,6 @@ const std::pair<Root, const wchar_t*> kOwned[] = {
 };
 
 const wchar_t kGateDirectory[] = L"C:\\scourel-tests\\browser-cwd";
-const wchar_t kCanary[] = L"C:\\scourel-tests\\browser-canary";
 const std::wstring kAppDefaults = L"Software\\Wine\\AppDefaults\\";
 
 std::wstring Under(Root root, const std::wstring& path) {
@@ -317,7 +316,7 @@ void RemoveDriveRootTraces() {
   }
 }
 
-BrowserFixture::BrowserFixture(const BrowserScenario& scenario) : scenario_(scenario), canary_(kCanary) {
+BrowserFixture::BrowserFixture(const BrowserScenario& scenario) : scenario_(scenario) {
   RemoveBrowserRoots();
   PlantBrowserTraces(scenario_);
   for (const TraceRow& row : Rows()) {
@@ -325,8 +324,6 @@ BrowserFixture::BrowserFixture(const BrowserScenario& scenario) : scenario_(scen
       held_.emplace_back(::CreateFileW(PathOf(row).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     }
   }
-  link_ = Under(kLocal, CHROME L"Default\\Cache\\linked");
-  MakeUnixSymlink(kCanary, link_);
   wchar_t current[MAX_PATH] = {};
   ::GetCurrentDirectoryW(MAX_PATH, current);
   previousDirectory_ = current;
@@ -339,10 +336,8 @@ BrowserFixture::BrowserFixture(const BrowserScenario& scenario) : scenario_(scen
 BrowserFixture::~BrowserFixture() {
   ::SetCurrentDirectoryW(previousDirectory_.c_str());
   held_.clear();
-  RemoveUnixLink(link_);
   RemoveBrowserRoots();
   RemoveTree(kGateDirectory);
-  RemoveTree(kCanary);
 }
 
 bool BrowserFixture::Takes(const TraceRow& row) const {
@@ -358,6 +353,14 @@ bool BrowserFixture::Takes(const TraceRow& row) const {
     case kDriveRootHere: return noProfile && !scenario_.safariGate;
     default: return true;
   }
+}
+
+std::vector<std::wstring> BrowserFixture::TakenFiles() const {
+  std::vector<std::wstring> files;
+  for (const TraceRow& row : Rows()) {
+    if (row.root != kKey && row.root != kDrive && !IsFolderRow(row) && Takes(row)) files.push_back(PathOf(row));
+  }
+  return files;
 }
 
 Expected BrowserFixture::Of(std::optional<protocol::Browser> browser, BrowserCategory category, const Run& run) const {
@@ -381,7 +384,7 @@ std::wstring BrowserFixture::Damage(const Run& run) const {
       return damage;
     }
   }
-  return canary_.Damage();
+  return L"";
 }
 
 WineVersionOf::WineVersionOf(const std::wstring& program, const std::wstring& version)

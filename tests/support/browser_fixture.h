@@ -99,9 +99,8 @@ void PlantDriveRootTraces();
 std::wstring DriveRootDamage();
 void RemoveDriveRootTraces();
 
-// The planted profiles, the held files, a link inside a cache to a canary,
-// and the current directory the scenario asks for; all removed or restored
-// on destruction.
+// The planted profiles, the held files and the current directory the
+// scenario asks for; all removed or restored on destruction.
 class BrowserFixture {
  public:
   explicit BrowserFixture(const BrowserScenario& scenario = {});
@@ -111,20 +110,20 @@ class BrowserFixture {
 
   // Whether the scenario lets the row's category take it.
   bool Takes(const TraceRow& row) const;
+  // Every file a clean of all categories takes, by its full path.
+  std::vector<std::wstring> TakenFiles() const;
   // What a run counts in one browser's cell of one category (none: in all five).
   Expected Of(std::optional<protocol::Browser> browser, protocol::BrowserCategory category, const Run& run) const;
   // The category's total over the five browsers, as the replies carry it.
   Expected Total(protocol::BrowserCategory category, const Run& run) const;
-  // Empty when every row is as it should be after the run and the canary is
-  // intact; otherwise what is not.
+  // Empty when every row is as it should be after the run; otherwise the
+  // first that is not.
   std::wstring Damage(const Run& run) const;
 
  private:
   BrowserScenario scenario_;
   std::wstring previousDirectory_;
   std::vector<UniqueHandleKernel> held_;
-  CanaryTree canary_;
-  std::wstring link_;
 };
 
 // Wine's Windows version for one program, removed again.

@@ -1,5 +1,6 @@
 #include "support/fixtures.h"
 
+#include <cstring>
 #include <cwctype>
 #include <stdexcept>
 
@@ -95,10 +96,16 @@ std::wstring CanaryTree::Damage() const {
   return L"";
 }
 
-namespace {
-
-// The file as the host sees it inside the sandbox's prefix: C:\x -> <prefix>/drive_c/x.
 std::wstring UnixPath(const std::wstring& windowsPath) {
+  // Wine's own mapping knows the case each folder has on the host.
+  using ToUnix = char* (*)(const wchar_t*);
+  const auto toUnix = reinterpret_cast<ToUnix>(
+      reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+  if (char* unix = toUnix ? toUnix(windowsPath.c_str()) : nullptr) {
+    std::wstring path(unix, unix + std::strlen(unix));
+    ::HeapFree(::GetProcessHeap(), 0, unix);
+    return path;
+  }
   wchar_t prefix[4096] = {};
   const DWORD n = ::GetEnvironmentVariableW(L"WINEPREFIX", prefix, 4096);
   std::wstring path = windowsPath;
@@ -107,13 +114,15 @@ std::wstring UnixPath(const std::wstring& windowsPath) {
   return (n < 4096 ? std::wstring(prefix, n) : std::wstring()) + path;
 }
 
-// Runs a shell command on the host: Wine starts a Unix program handed to
-// start.exe natively but cannot wait for it, so we wait for its effect on `path`.
-bool RunUnix(const std::wstring& command, const std::wstring& path, bool appears) {
+// Wine starts a Unix program handed to start.exe natively but cannot wait
+// for it, so we wait for its effect on `path`.
+bool RunUnix(const std::wstring& command, const std::wstring& path, bool appears, unsigned timeoutMs) {
   if (RunAndWait(L"start.exe /unix /bin/sh -c \"" + command + L"\"") != 0) return false;
-  for (int i = 0; i < 200 && PathExists(path) != appears; ++i) ::Sleep(25);
+  for (unsigned i = 0; i < timeoutMs / 25 && PathExists(path) != appears; ++i) ::Sleep(25);
   return PathExists(path) == appears;
 }
+
+namespace {
 
 bool Link(const wchar_t* how, const std::wstring& target, const std::wstring& link) {
   return RunUnix(L"ln " + std::wstring(how) + L"'" + UnixPath(target) + L"' '" + UnixPath(link) + L"'", link, true);

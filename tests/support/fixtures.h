@@ -54,6 +54,11 @@ bool MakeUnixSymlink(const std::wstring& target, const std::wstring& link);
 bool MakeUnixHardLink(const std::wstring& existing, const std::wstring& link);
 // Removes a link made from the host side (Wine cannot delete those itself).
 void RemoveUnixLink(const std::wstring& link);
+// A path of drive C: as the host sees it inside the sandbox's prefix.
+std::wstring UnixPath(const std::wstring& windowsPath);
+// Runs a shell command on the host; true once `path` exists (appears) or is
+// gone (!appears), within the time.
+bool RunUnix(const std::wstring& command, const std::wstring& path, bool appears, unsigned timeoutMs = 5000);
 
 // A registry link at root\path (its parents created) naming the key
 // HKEY_LOCAL_MACHINE\<machinePath>; false when it could not be made. Remove

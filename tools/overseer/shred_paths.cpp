@@ -4,6 +4,7 @@
 #include "common/unique_handle.h"
 #include "common/win.h"
 #include "overseer/report_output.h"
+#include "task/folder_walk.h"
 #include "wipe/file_shred.h"
 
 namespace overseer {
@@ -26,8 +27,9 @@ bool Covers(const std::wstring& a, const std::wstring& b) {
 }
 
 // `listed`: the folder walk found the name, so a path that no longer
-// resolves is a link whose target is gone.
-void ShredTree(const std::wstring& path, unsigned method, ShredRun& run, bool listed = false) {
+// resolves is a link whose target is gone. Goes as deep as the worker's
+// walks: a deeper folder is left whole, so no tree can end overseer.
+void ShredTree(const std::wstring& path, unsigned method, ShredRun& run, bool listed = false, int depth = 0) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES && listed && ::DeleteFileW(path.c_str())) {
     run.lines.push_back({path, "dangling link removed"});
@@ -45,12 +47,17 @@ void ShredTree(const std::wstring& path, unsigned method, ShredRun& run, bool li
       run.allDone = run.allDone && removed;
       return;
     }
+    if (depth >= scourel::kMaxFolderDepth) {
+      run.lines.push_back({path, "folder left: deeper than the walk goes"});
+      run.allDone = false;
+      return;
+    }
     WIN32_FIND_DATAW found{};
     scourel::UniqueFindHandle find(::FindFirstFileW((path + L"\\*").c_str(), &found));
     if (find) {
       do {
         const std::wstring name = found.cFileName;
-        if (name != L"." && name != L"..") ShredTree(path + L"\\" + name, method, run, true);
+        if (name != L"." && name != L"..") ShredTree(path + L"\\" + name, method, run, true, depth + 1);
       } while (::FindNextFileW(find.get(), &found));
     }
     find.reset();
