@@ -1,0 +1,179 @@
+#include "wipe/directory_slack.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <cwctype>
+#include <utility>
+
+#include "common/folder_depth.h"
+#include "common/unique_handle.h"
+#include "common/win.h"
+#include "wipe/wipe_marker.h"
+
+namespace scourel {
+
+namespace {
+
+constexpr std::uint32_t kLastNumber = 99'999;
+
+bool Dots(const wchar_t* name) { return name[0] == L'.' && (name[1] == 0 || (name[1] == L'.' && name[2] == 0)); }
+
+bool Move(const std::wstring& from, const std::wstring& to) { return ::MoveFileExW(from.c_str(), to.c_str(), 0) != 0; }
+
+}  // namespace
+
+std::wstring SlackEntryName(std::uint32_t number, std::uint32_t length) {
+  wchar_t digits[8] = {};
+  std::swprintf(digits, 8, L"%05u", number % (kLastNumber + 1));
+  std::wstring name = L"XE8AQU";
+  name += digits;
+  if (name.size() < length) name.append(length - name.size(), L'X');
+  return name;
+}
+
+bool IsSlackEntryName(const std::wstring& name) {
+  if (std::find(kSlackNameLengths.begin(), kSlackNameLengths.end(), name.size()) == kSlackNameLengths.end()) {
+    return false;
+  }
+  if (::CompareStringOrdinal(name.c_str(), 6, L"XE8AQU", 6, TRUE) != CSTR_EQUAL) return false;
+  for (std::size_t i = 6; i < name.size(); ++i) {
+    const bool ok = i < 11 ? std::iswdigit(name[i]) != 0 : (name[i] == L'X' || name[i] == L'x');
+    if (!ok) return false;
+  }
+  return true;
+}
+
+void RemoveSlackEntries(const std::wstring& folder) {
+  WIN32_FIND_DATAW found{};
+  UniqueFindHandle find(::FindFirstFileW((folder + L"XE8AQU*").c_str(), &found));
+  if (!find) return;
+  do {
+    // Files only: a folder or a link of that name is not one of ours.
+    if (!(found.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) &&
+        IsSlackEntryName(found.cFileName)) {
+      ::DeleteFileW((folder + found.cFileName).c_str());
+    }
+  } while (::FindNextFileW(find.get(), &found));
+}
+
+DirectorySlack::DirectorySlack(const std::wstring& fillFolder, const StopFlag* stop, std::function<void()> tick)
+    : fillFolder_(L"\\\\?\\" + fillFolder), stop_(stop), tick_(std::move(tick)) {}
+
+void DirectorySlack::GatherCarriers() {
+  // The record step's files: their records are written already, so they
+  // lose nothing by being emptied, and an empty file's record has room for
+  // the longest name.
+  std::vector<std::wstring> pending{fillFolder_};
+  while (!pending.empty() && carriers_.size() < kCarriers) {
+    const std::wstring folder = std::move(pending.back());
+    pending.pop_back();
+    WIN32_FIND_DATAW found{};
+    UniqueFindHandle find(::FindFirstFileW((folder + L"\\*").c_str(), &found));
+    if (!find) continue;
+    do {
+      if (Dots(found.cFileName) || (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) continue;
+      const std::wstring path = folder + L"\\" + found.cFileName;
+      if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+        pending.push_back(path);
+        continue;
+      }
+      UniqueHandleKernel file(
+          ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, TRUNCATE_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+      if (file) carriers_.push_back(path);
+    } while (carriers_.size() < kCarriers && ::FindNextFileW(find.get(), &found));
+  }
+  while (carriers_.size() < kCarriers) {
+    const std::wstring path = fillFolder_ + L"\\XE8AQUC" + std::to_wstring(carriers_.size());
+    UniqueHandleKernel file(
+        ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) break;
+    carriers_.push_back(path);
+  }
+}
+
+void DirectorySlack::Run(wchar_t letter) {
+  const std::wstring root = std::wstring(L"\\\\?\\") + letter + L":\\";
+  std::vector<std::pair<std::wstring, int>> pending{{root, 0}};
+  std::uint32_t visited = 0;
+  while (!pending.empty() && !carriers_.empty() && !Raised(stop_)) {
+    auto [folder, depth] = std::move(pending.back());
+    pending.pop_back();
+    FillFolder(folder);
+    if (++visited % kTickFolders == 0 && tick_) tick_();
+    if (depth >= kMaxFolderDepth) continue;
+    WIN32_FIND_DATAW found{};
+    UniqueFindHandle find(::FindFirstFileW((folder + L"*").c_str(), &found));
+    if (!find) continue;
+    do {
+      const DWORD attributes = found.dwFileAttributes;
+      if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) ||
+          Dots(found.cFileName)) {
+        continue;
+      }
+      const std::wstring child = folder + found.cFileName;
+      if (child == fillFolder_) continue;  // the carriers' own
+      pending.emplace_back(child + L"\\", depth + 1);
+    } while (::FindNextFileW(find.get(), &found));
+  }
+}
+
+void DirectorySlack::FillFolder(const std::wstring& folder) {
+  // Entries coming and going change the folder's times: they are put back.
+  const std::wstring opened = folder.size() > 7 ? folder.substr(0, folder.size() - 1) : folder;  // "\\?\X:\" stays
+  UniqueHandleKernel handle(::CreateFileW(opened.c_str(), FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES,
+                                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                          OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
+                                          nullptr));
+  // Named before the first entry goes in, so that a worker killed meanwhile
+  // leaves nothing here that the next start does not remove.
+  if (!RecordSlackFolder(folder)) return;
+  FILE_BASIC_INFO times{};
+  const bool timesKept =
+      handle && ::GetFileInformationByHandleEx(handle.get(), FileBasicInfo, &times, sizeof times) != 0;
+
+  std::vector<std::wstring> moved;  // moved[i] is where carriers_[i] went
+  std::uint32_t number = 0;
+  for (const std::uint32_t length : kSlackNameLengths) {
+    while (moved.size() < carriers_.size() && number <= kLastNumber && !Raised(stop_)) {
+      std::wstring target = folder + SlackEntryName(number++, length);
+      if (Move(carriers_[moved.size()], target)) {
+        moved.push_back(std::move(target));
+        continue;
+      }
+      const DWORD error = ::GetLastError();
+      if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) break;  // no room for this length
+    }
+  }
+  entries_ += moved.size();
+  if (!moved.empty()) ++folders_;
+  // Back to where they came from; one that cannot go back is ours and empty.
+  std::vector<std::wstring> kept;
+  for (std::size_t i = 0; i < carriers_.size(); ++i) {
+    if (i >= moved.size() || Move(moved[i], carriers_[i])) {
+      kept.push_back(std::move(carriers_[i]));
+    } else {
+      ::DeleteFileW(moved[i].c_str());
+    }
+  }
+  carriers_ = std::move(kept);
+  ClearSlackFolder();
+  if (timesKept && !moved.empty()) {
+    times.FileAttributes = 0;  // unchanged
+    ::SetFileInformationByHandle(handle.get(), FileBasicInfo, &times, sizeof times);
+  }
+}
+
+void DirectorySlack::TurnJournal() {
+  if (carriers_.empty()) return;
+  const std::wstring names[2] = {carriers_.front(), fillFolder_ + L"\\XE8AQUJ"};
+  for (std::uint32_t turn = 0; turn < kJournalTurns && !Raised(stop_); ++turn) {
+    const std::wstring& to = names[(turn + 1) % 2];
+    if (!Move(names[turn % 2], to)) break;
+    // A flush commits the rename as a transaction of its own.
+    UniqueHandleKernel file(
+        ::CreateFileW(to.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (file) ::FlushFileBuffers(file.get());
+  }
+}
+
+}  // namespace scourel
