@@ -72,7 +72,7 @@ void FolderIndexStep(wchar_t letter) {
   DirectorySlack slack(FillFolderPath(letter), nullptr);
   slack.GatherCarriers();
   const Clock::time_point start = Clock::now();
-  slack.Run(letter);
+  slack.Run(letter, UINT32_MAX);  // not full: every folder takes every carrier
   const Clock::time_point walked = Clock::now();
   slack.TurnJournal();
   const double walk = Seconds(start, walked), turns = Seconds(walked, Clock::now());

@@ -8,6 +8,7 @@
 #include "common/folder_depth.h"
 #include "common/unique_handle.h"
 #include "common/win.h"
+#include "wipe/volume_facts.h"
 #include "wipe/wipe_marker.h"
 
 namespace scourel {
@@ -91,13 +92,15 @@ void DirectorySlack::GatherCarriers() {
   }
 }
 
-void DirectorySlack::Run(wchar_t letter) {
+void DirectorySlack::Run(wchar_t letter, std::uint32_t cluster) {
   const std::wstring root = std::wstring(L"\\\\?\\") + letter + L":\\";
   std::vector<std::pair<std::wstring, int>> pending{{root, 0}};
   std::uint32_t visited = 0;
   while (!pending.empty() && !carriers_.empty() && !Raised(stop_)) {
     auto [folder, depth] = std::move(pending.back());
     pending.pop_back();
+    // Another program may have freed space meanwhile.
+    if (FreeBytesOf(letter) >= cluster) return;
     FillFolder(folder);
     if (++visited % kTickFolders == 0 && tick_) tick_();
     if (depth >= kMaxFolderDepth) continue;

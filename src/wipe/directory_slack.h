@@ -36,9 +36,11 @@ void RemoveSlackEntries(const std::wstring& folder);
 
 class DirectorySlack {
  public:
-  // Empty files carried from folder to folder; enough for an index block
-  // of 4 KiB of the longest entries and its tail, twice.
-  static constexpr std::size_t kCarriers = 32;
+  // Empty files carried from folder to folder. A folder takes entries only
+  // until it refuses one of each length, so more carriers cost nothing where
+  // a folder has little room, and reach further into the blocks a large
+  // folder freed (a 4 KiB block takes about seven of the longest).
+  static constexpr std::size_t kCarriers = 256;
   // Flushed renames after the walk: each a journal transaction of a few
   // blocks, together about a 4 MiB journal once over.
   static constexpr std::uint32_t kJournalTurns = 1024;
@@ -52,8 +54,9 @@ class DirectorySlack {
   // more there up to kCarriers while the volume allows.
   void GatherCarriers();
   // Every folder of the volume below `letter`'s root, never through a link,
-  // kMaxFolderDepth deep; each keeps its times.
-  void Run(wchar_t letter);
+  // kMaxFolderDepth deep; each keeps its times. Only while the volume has
+  // less than `cluster` bytes free: an index that can grow keeps what it grew.
+  void Run(wchar_t letter, std::uint32_t cluster);
   void TurnJournal();
 
   std::uint32_t folders() const { return folders_; }  // folders that took at least one entry

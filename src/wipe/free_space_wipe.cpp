@@ -86,7 +86,7 @@ FreeSpaceReport CFreeSpaceWipe::Wipe(wchar_t letter, std::uint32_t method) {
     }
     DirectorySlack slack(FillFolderPath(letter), stop_, [this] { Report(true); });
     slack.GatherCarriers();
-    slack.Run(letter);
+    slack.Run(letter, cluster);
     slack.TurnJournal();
     report.indexFolders = slack.folders();
     // Folders made before the fill can hold clusters where a file system
