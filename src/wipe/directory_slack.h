@@ -6,7 +6,7 @@
 // files are moved into each folder under long fill names, longest first,
 // until the folder refuses one of each length, and moved back. Moves, not
 // new files: on a full volume a rename needs no new record (ntfs-3g refuses
-// every new file there). Then a run of flushed renames turns the journal over.
+// every new file there). Then a run of flushed changes turns the journal over.
 #pragma once
 
 #include <array>
@@ -41,9 +41,11 @@ class DirectorySlack {
   // a folder has little room, and reach further into the blocks a large
   // folder freed (a 4 KiB block takes about seven of the longest).
   static constexpr std::size_t kCarriers = 256;
-  // Flushed renames after the walk: each a journal transaction of a few
-  // blocks, together about a 4 MiB journal once over.
-  static constexpr std::uint32_t kJournalTurns = 1024;
+  // Flushed changes after the walk: each a journal transaction of a few
+  // blocks (five on ext4), together about 10,000 blocks of journal: a
+  // journal of 4,096 blocks twice over.
+  static constexpr std::uint32_t kJournalTurns = 2048;
+  static constexpr std::size_t kJournalCarriers = 8;
 
   // `fillFolder` is the fill folder ("X:\$$XE8AQU"), which the walk skips.
   // `tick` runs every kTickFolders folders, so that a long walk still shows life.
