@@ -5,7 +5,7 @@
 #include <cwctype>
 #include <utility>
 
-#include "common/folder_depth.h"
+#include "common/folder_entry.h"
 #include "common/unique_handle.h"
 #include "common/win.h"
 #include "wipe/volume_facts.h"
@@ -16,8 +16,6 @@ namespace scourel {
 namespace {
 
 constexpr std::uint32_t kLastNumber = 99'999;
-
-bool Dots(const wchar_t* name) { return name[0] == L'.' && (name[1] == 0 || (name[1] == L'.' && name[2] == 0)); }
 
 bool Move(const std::wstring& from, const std::wstring& to) { return ::MoveFileExW(from.c_str(), to.c_str(), 0) != 0; }
 
@@ -50,8 +48,7 @@ void RemoveSlackEntries(const std::wstring& folder) {
   if (!find) return;
   do {
     // Files only: a folder or a link of that name is not one of ours.
-    if (!(found.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) &&
-        IsSlackEntryName(found.cFileName)) {
+    if (!IsFolder(found) && !IsReparsePoint(found) && IsSlackEntryName(found.cFileName)) {
       ::DeleteFileW((folder + found.cFileName).c_str());
     }
   } while (::FindNextFileW(find.get(), &found));
@@ -72,9 +69,9 @@ void DirectorySlack::GatherCarriers() {
     UniqueFindHandle find(::FindFirstFileW((folder + L"\\*").c_str(), &found));
     if (!find) continue;
     do {
-      if (Dots(found.cFileName) || (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) continue;
+      if (IsDotEntry(found) || IsReparsePoint(found)) continue;
       const std::wstring path = folder + L"\\" + found.cFileName;
-      if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+      if (IsFolder(found)) {
         pending.push_back(path);
         continue;
       }
@@ -108,11 +105,7 @@ void DirectorySlack::Run(wchar_t letter, std::uint32_t cluster) {
     UniqueFindHandle find(::FindFirstFileW((folder + L"*").c_str(), &found));
     if (!find) continue;
     do {
-      const DWORD attributes = found.dwFileAttributes;
-      if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) ||
-          Dots(found.cFileName)) {
-        continue;
-      }
+      if (!IsFolder(found) || IsReparsePoint(found) || IsDotEntry(found)) continue;
       const std::wstring child = folder + found.cFileName;
       if (child == fillFolder_) continue;  // the carriers' own
       pending.emplace_back(child + L"\\", depth + 1);
