@@ -120,12 +120,12 @@ void DirectorySlack::FillFolder(const std::wstring& folder) {
                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                           OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
                                           nullptr));
+  // A folder whose times cannot be put back is left as it is.
+  FILE_BASIC_INFO times{};
+  if (!handle || !::GetFileInformationByHandleEx(handle.get(), FileBasicInfo, &times, sizeof times)) return;
   // Named before the first entry goes in, so that a worker killed meanwhile
   // leaves nothing here that the next start does not remove.
   if (!RecordSlackFolder(folder)) return;
-  FILE_BASIC_INFO times{};
-  const bool timesKept =
-      handle && ::GetFileInformationByHandleEx(handle.get(), FileBasicInfo, &times, sizeof times) != 0;
 
   std::vector<std::wstring> moved;  // moved[i] is where carriers_[i] went
   std::uint32_t number = 0;
@@ -153,7 +153,7 @@ void DirectorySlack::FillFolder(const std::wstring& folder) {
   }
   carriers_ = std::move(kept);
   ClearSlackFolder();
-  if (timesKept && !moved.empty()) {
+  if (!moved.empty()) {
     times.FileAttributes = 0;  // unchanged
     ::SetFileInformationByHandle(handle.get(), FileBasicInfo, &times, sizeof times);
   }
