@@ -76,10 +76,11 @@ std::wstring ExtensionScanText(std::int32_t count) { return Format(L"%d", count)
 
 std::wstring FreeSpaceDoneText(const FreeSpaceReport& r) {
   const wchar_t* sep = protocol::kSepFreeSpace;
-  return Format(L"%ls%ls%llu%ls%lu%ls%lu%ls%ls%ls%ls%ls%ls%ls%ls", r.status.c_str(), sep,
+  return Format(L"%ls%ls%llu%ls%lu%ls%lu%ls%ls%ls%ls%ls%ls%ls%ls%ls%lu", r.status.c_str(), sep,
                 static_cast<unsigned long long>(r.bytesFilled), sep, static_cast<unsigned long>(r.fillFiles), sep,
                 static_cast<unsigned long>(r.folderFiles), sep, r.recordStep ? L"done" : L"skipped", sep,
-                r.trimIssued ? L"issued" : L"not issued", sep, r.solidState.c_str(), sep, r.fileSystem.c_str());
+                r.trimIssued ? L"issued" : L"not issued", sep, r.solidState.c_str(), sep, r.fileSystem.c_str(), sep,
+                static_cast<unsigned long>(r.indexFolders));
 }
 
 std::wstring PcTracesDoneText(const PcCounters& c) {

@@ -40,6 +40,7 @@ struct FreeSpaceReport {
   bool trimIssued = false;
   std::wstring solidState;        // yes, no, unknown
   std::wstring fileSystem;        // as the volume names it; empty when unknown
+  std::uint32_t indexFolders = 0;  // folders whose index took fill entries over its deleted names
 };
 std::wstring FreeSpaceDoneText(const FreeSpaceReport& report);
 

@@ -2,6 +2,7 @@
 
 #include <cwctype>
 
+#include "common/folder_entry.h"
 #include "common/unique_handle.h"
 #include "common/win.h"
 
@@ -31,8 +32,6 @@ bool IsFillFileName(const std::wstring& name) {
   return true;
 }
 
-bool Dots(const wchar_t* name) { return name[0] == L'.' && (name[1] == 0 || (name[1] == L'.' && name[2] == 0)); }
-
 }  // namespace
 
 std::wstring FillFilePath(wchar_t letter, std::uint32_t index) {
@@ -47,7 +46,7 @@ std::uint32_t RemoveFolderTree(const std::wstring& folder) {
   UniqueFindHandle find(::FindFirstFileW((folder + L"\\*").c_str(), &found));
   if (find) {
     do {
-      if (Dots(found.cFileName)) continue;
+      if (IsDotEntry(found)) continue;
       const std::wstring path = folder + L"\\" + found.cFileName;
       if (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {
         ::SetFileAttributesW(path.c_str(), found.dwFileAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY});

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "wipe/directory_slack.h"
 #include "wipe/fill_names.h"
 #include "wipe/freed_records.h"
 #include "wipe/shred_io.h"
@@ -68,7 +69,8 @@ FreeSpaceReport CFreeSpaceWipe::Wipe(wchar_t letter, std::uint32_t method) {
   Report(true);
   // The fill folder's entry goes in before the volume is full: on a full
   // volume the root's index may have no room left to grow.
-  const bool records = facts->ntfs() && ::CreateDirectoryW(FillFolderPath(letter).c_str(), nullptr);
+  const bool folder = ::CreateDirectoryW(FillFolderPath(letter).c_str(), nullptr) != 0;
+  const bool records = facts->ntfs() && folder;
   FreedRecordFiller filler(FillFolderPath(letter), recordBytes_, stop_, [this] { Report(true); });
   if (records) filler.Prepare(FreeBytesOf(letter));
 
@@ -76,10 +78,17 @@ FreeSpaceReport CFreeSpaceWipe::Wipe(wchar_t letter, std::uint32_t method) {
   if (!FillFiles(letter, fileLimit, cluster, method)) report.status = L"cannot write";
   // With no cluster free the record table cannot grow: every record the
   // record step gets is a freed one.
-  if (!Raised(stop_) && report.status.empty() && records) {
-    report.recordStep = true;
-    filler.Run();
-    report.folderFiles = filler.made();
+  if (!Raised(stop_) && report.status.empty() && folder) {
+    if (records) {
+      report.recordStep = true;
+      filler.Run();
+      report.folderFiles = filler.made();
+    }
+    DirectorySlack slack(FillFolderPath(letter), stop_, [this] { Report(true); });
+    slack.GatherCarriers();
+    slack.Run(letter, cluster);
+    slack.TurnJournal();
+    report.indexFolders = slack.folders();
     // Folders made before the fill can hold clusters where a file system
     // keeps folders in clusters (Wine calls every mapped drive NTFS): once
     // they are gone, the fill takes those clusters too.

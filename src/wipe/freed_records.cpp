@@ -50,6 +50,9 @@ void FreedRecordFiller::Prepare(std::uint64_t freeBytes) {
     Made();
     skeleton_.push_back(child);
     parents.push_back(child);
+    // Its file now: on a full volume ntfs-3g gives a new file no record, and
+    // these files are what the folder-index step moves around there.
+    (void)MakeSmallFile(child + L"\\" + EntryName(L'F'));
     // Free clusters going means the record table grew: no freed record was
     // left, and more folders would only grow it further.
     ULARGE_INTEGER available{}, total{}, free{};
@@ -60,15 +63,7 @@ void FreedRecordFiller::Prepare(std::uint64_t freeBytes) {
 }
 
 void FreedRecordFiller::Run() {
-  // First a file in each folder made while the volume had room: no folder
-  // has to be made on the full volume until those are taken.
   int refusals = 0;
-  for (const std::wstring& folder : skeleton_) {
-    if (refusals >= kRefusalsToEnd || Raised(stop_)) return;
-    refusals = MakeSmallFile(folder + L"\\" + EntryName(L'F')) ? 0 : refusals + 1;
-  }
-  skeleton_.clear();
-  if (refusals > 0) return;
   constexpr wchar_t kSlots[] = {L'A', L'B'};
   while (!folders_.empty() && refusals < kRefusalsToEnd && made_ < kMostRecords && !Raised(stop_)) {
     const std::wstring child = folders_.front() + L"\\" + EntryName(kSlots[nextSlot_]);

@@ -23,7 +23,7 @@ inline constexpr std::uint32_t kRecordFileBytes = 512;
 // Characters of every name made: three such entries fit in a folder's own
 // record, so no folder's index needs a cluster.
 inline constexpr std::uint32_t kRecordNameLength = 32;
-// Folders made before the fill.
+// Folders made before the fill, each with its small file.
 inline constexpr std::size_t kSkeletonFolders = 15;
 
 // Makes a tree below a folder (which the caller made while the volume had
@@ -36,9 +36,10 @@ class FreedRecordFiller {
   FreedRecordFiller(const std::wstring& folder, RandomPassSource& random, const StopFlag* stop,
                     std::function<void()> tick = nullptr);
   static constexpr std::uint32_t kTickRecords = 256;
-  // Folders that give the tree its first levels, made while the volume still
-  // has room (`freeBytes` free), so that few have to be made on the full
-  // volume, where a refused folder can leave its record unusable (ntfs-3g).
+  // Folders that give the tree its first levels, and their files, made while
+  // the volume still has room (`freeBytes` free), so that few have to be made
+  // on the full volume, where a refused folder can leave its record unusable
+  // and no file gets a record at all (ntfs-3g).
   void Prepare(std::uint64_t freeBytes);
   // Makes files and folders until the file system refuses.
   void Run();

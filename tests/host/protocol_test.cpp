@@ -62,7 +62,7 @@ std::vector<CommandCase> StartCases() {
       {"plugin clean", 2055, {Posted(2056)}},
       // wParam 0 names no drive: nothing is written.
       {"free-space wipe", 2089,
-       {Copy(307, Param::kWorker, L"no drive\\fw0\\fw0\\fw0\\fwskipped\\fwnot issued\\fwunknown\\fw")}},
+       {Copy(307, Param::kWorker, L"no drive\\fw0\\fw0\\fw0\\fwskipped\\fwnot issued\\fwunknown\\fw\\fw0")}},
       {"full scan",
        2087,
        {Copy(101, Param::kController), Copy(107, Param::kController), Copy(109, Param::kController),

@@ -56,12 +56,14 @@ TEST(OverseerReplyDecodingTest, EveryReplyKind) {
       // The stop reply: only up to the fifth counter is read, whatever follows.
       {304, L"8\\pc 7\\pc 6\\pc 5\\pc 4\\pc\x01garbage\\pc\\pc", 0, 0, 5,
        {{"documents", L"8"}, {"run_history", L"7"}, {"find_files", L"6"}, {"clipboard", L"5"}, {"network", L"4"}}},
-      {307, scourel::FreeSpaceDoneText({L"done", 5000000000ULL, 2, 4321, true, true, L"yes", L"NTFS"}), 0, 0, 9,
+      {307, scourel::FreeSpaceDoneText({L"done", 5000000000ULL, 2, 4321, true, true, L"yes", L"NTFS", 17}), 0, 0, 10,
        {{"status", L"done"}, {"bytes_filled", L"5000000000"}, {"size", L"4.66 GB"}, {"fill_files", L"2"},
         {"record_files", L"4321"}, {"record_step", L"done"}, {"trim", L"issued"}, {"solid_state", L"yes"},
-        {"file_system", L"NTFS"}}},
-      {307, scourel::FreeSpaceDoneText({L"full", 0, 0, 0, false, false, L"unknown", L""}), 0, 0, 9,
+        {"file_system", L"NTFS"}, {"index_folders", L"17"}}},
+      {307, scourel::FreeSpaceDoneText({L"full", 0, 0, 0, false, false, L"unknown", L""}), 0, 0, 10,
        {{"status", L"full"}, {"record_step", L"skipped"}, {"trim", L"not issued"}, {"file_system", L""}}},
+      // A worker that does not clear folder indexes sends one field less.
+      {307, L"done\\fw0\\fw1\\fw0\\fwskipped\\fwnot issued\\fwno\\fwFAT32", 0, 0, 9, {{"file_system", L"FAT32"}}},
       {2091, L"", 42, 3000000000LL, 2, {{"percent", L"42"}, {"bytes_filled", L"3000000000"}}},
       // Numeric replies: a 32-bit signed count widened, a 64-bit byte total (a stop's
       // and the second set's alike; the size text's unit edges are its own test's).

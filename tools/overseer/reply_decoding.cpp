@@ -155,10 +155,11 @@ bool OneOf(std::wstring_view piece, std::initializer_list<std::wstring_view> wor
 
 // The free-space wipe's completion: status, bytes filled, fill files, files
 // the record step made, whether it ran, whether TRIM was issued, whether the
-// drive is solid-state, and the file system's name.
+// drive is solid-state, the file system's name and (from workers that clear
+// folder indexes) the folders whose index took fill entries.
 bool FillFreeSpace(DecodedReply& reply) {
   const std::vector<std::wstring_view> pieces = Split(reply.text, p::kSepFreeSpace);
-  if (pieces.size() != 8) return false;
+  if (pieces.size() != 8 && !(pieces.size() == 9 && IsCount(pieces[8]) && pieces[8].front() != L'-')) return false;
   if (!OneOf(pieces[0], {L"done", L"full", L"no drive", L"read-only", L"cannot write", L"stopped"})) return false;
   for (int i = 1; i <= 3; ++i) {
     if (!IsCount(pieces[i]) || pieces[i].front() == L'-') return false;
@@ -176,6 +177,7 @@ bool FillFreeSpace(DecodedReply& reply) {
                   {"trim", std::wstring(pieces[5]), false},
                   {"solid_state", std::wstring(pieces[6]), false},
                   {"file_system", std::wstring(pieces[7]), false}};
+  if (pieces.size() == 9) reply.fields.push_back({"index_folders", std::wstring(pieces[8]), true});
   return true;
 }
 
