@@ -166,11 +166,11 @@ constexpr DWORD kRO = FILE_ATTRIBUTE_READONLY, kHidden = FILE_ATTRIBUTE_HIDDEN, 
 const char kOneWrite[] = "A O S0 W0 F C R D";
 
 // Size, attributes, method, geometry, a failing write or identity, a stop
-// after a write, a link -> the exact trace and outcome.
+// after a write, a link, another program holding it -> the exact trace and outcome.
 struct TraceCase { std::size_t size; DWORD attributes; std::uint32_t method; DWORD spc, bps; int failWrite;
                    const char* trace; std::int64_t sizeAtDelete;
                    ShredOutcome outcome = ShredOutcome::kOverwrittenAndDeleted;
-                   int stopAfterWrite = 0; bool failIdentity = false; int link = 0; };
+                   int stopAfterWrite = 0; bool failIdentity = false; int link = 0; bool held = false; };
 constexpr auto kKept = ShredOutcome::kLeftInPlace;
 const TraceCase kTraces[] = {
     // Two clusters: seek back between passes; the next cluster starts where the last pass ended.
@@ -201,6 +201,8 @@ const TraceCase kTraces[] = {
     {7, kRO | kHidden, 0, 0, 512, 0, "A O", 0, kKept},
     {7, kRO, 0, 8, 0x10000, 0, "A O", 0, kKept},
     {7, kSystem, 0, 8, 0, 0, "A O", 0, kKept},
+    // Open elsewhere without sharing: it stays, its attributes reduced.
+    {7, kHidden | kSystem, 0, 8, 512, 0, "A O", 0, kKept, 0, false, 0, true},
 };
 
 TEST(Shred, TraceTable) {
@@ -216,7 +218,11 @@ TEST(Shred, TraceTable) {
     RecordingIo io;
     std::tie(io.sectorsPerCluster, io.bytesPerSector, io.failWrite) = std::tie(c.spc, c.bps, c.failWrite);
     std::tie(io.stopAfterWrite, io.failIdentity, io.link) = std::tie(c.stopAfterWrite, c.failIdentity, c.link);
+    UniqueHandleKernel holder(c.held ? ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                                     OPEN_EXISTING, 0, nullptr) : nullptr);
+    ASSERT_EQ(static_cast<bool>(holder), c.held);
     EXPECT_EQ(CFileShred(io, &io.stop).Shred(path, c.method), c.outcome);
+    holder.reset();
     EXPECT_EQ(io.trace, c.trace);
     EXPECT_EQ(io.attributesAtOpen, c.link == 1 ? 0 : DWORD{FILE_ATTRIBUTE_ARCHIVE});  // cleared before the open
     if (c.outcome == ShredOutcome::kStopped) {
@@ -320,20 +326,6 @@ TEST(ShredDisk, NeitherNameRemainsAndTheNeighboursSurvive) {
     EXPECT_EQ(test::ReadFileBytes(dir / L"beside.txt"), "keep me");
     EXPECT_EQ(canary.Damage(), L"");
   }
-}
-
-TEST(ShredDisk, FileHeldOpenWithoutSharingStaysWithAttributesReduced) {
-  test::ScratchDir dir(L"shred_locked");
-  const std::wstring path = dir / L"locked.db";
-  test::WriteFileBytes(path, "in use");
-  ASSERT_TRUE(::SetFileAttributesW(path.c_str(), kHidden | kSystem));
-  UniqueHandleKernel holder(
-      ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-  ASSERT_TRUE(holder);
-  EXPECT_EQ(CFileShred{}.Shred(path, 0), kKept);
-  holder.reset();
-  EXPECT_EQ(test::ReadFileBytes(path), "in use");
-  EXPECT_EQ(::GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_ARCHIVE});
 }
 
 // A failed rename never deletes the file that already has the new name.
