@@ -18,7 +18,6 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 bool WorkerWindow() { return ::FindWindowW(L"SCOUREL_CLASS", nullptr) != nullptr; }
 
@@ -41,16 +40,13 @@ TEST(OverseerExeTest, ScanThenBrowserCleanWithPerBrowserRows) {
                              HasSubstr("\"text\": \"Scanning Completed\""),
                              HasSubstr("\"browser_rows\": {\"measured_by\": \"overseer\""),
                              HasSubstr("\"chrome\": {\"cache\": " + chrome + ", "),
-                             HasSubstr("\"firefox_offline_cache\": 1, \"icons\": " + std::to_string(icons) + "}"),
-                             Not(HasSubstr("\"readable\": false"))));
+                             HasSubstr("\"firefox_offline_cache\": 1, \"icons\": " + std::to_string(icons) + "}")));
   EXPECT_FALSE(WorkerWindow());  // the worker overseer started is closed again
 
   run = RunOverseer(worker.Worker(L"--timeout 60 --wipe gutmann --browser cache clean browser"));
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_EQ(worker.Setting(L"IDS_WIPEALGORITHM") + worker.Setting(L"IDS_CCACHE"), L"7TRUE");
   EXPECT_TRUE(std::regex_search(run.out, std::regex("\n {10}chrome +" + chrome + " "))) << run.out;
-  const std::string erased = std::to_string(fixture.Total(cache, CleanRun(cache)).count);
-  EXPECT_TRUE(std::regex_search(run.out, std::regex("kind 305 [\\s\\S]*\n {10}cache +" + erased + " "))) << run.out;
   EXPECT_EQ(fixture.Damage(CleanRun(cache)), L"");
 }
 

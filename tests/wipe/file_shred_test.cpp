@@ -33,7 +33,7 @@ struct RecordingIo : ShredIo {
   int stopAfterWrite = 0;  // 1-based write after which the task is stopped
   bool failIdentity = false;
   // 1: the path shows a reparse point; 2: only the opened handle does (swapped in meanwhile);
-  // 3: the path is a unix symlink to a file, which Wine shows with plain attributes
+  // 3: the path is a unix symlink to a file, which Wine shows with plain attributes; 4: a second hard link
   int link = 0;
   std::function<void()> onRename;
   StopFlag stop;
@@ -166,11 +166,11 @@ constexpr DWORD kRO = FILE_ATTRIBUTE_READONLY, kHidden = FILE_ATTRIBUTE_HIDDEN, 
 const char kOneWrite[] = "A O S0 W0 F C R D";
 
 // Size, attributes, method, geometry, a failing write or identity, a stop
-// after a write, a link -> the exact trace and outcome.
+// after a write, a link, another program holding it -> the exact trace and outcome.
 struct TraceCase { std::size_t size; DWORD attributes; std::uint32_t method; DWORD spc, bps; int failWrite;
                    const char* trace; std::int64_t sizeAtDelete;
                    ShredOutcome outcome = ShredOutcome::kOverwrittenAndDeleted;
-                   int stopAfterWrite = 0; bool failIdentity = false; int link = 0; };
+                   int stopAfterWrite = 0; bool failIdentity = false; int link = 0; bool held = false; };
 constexpr auto kKept = ShredOutcome::kLeftInPlace;
 const TraceCase kTraces[] = {
     // Two clusters: seek back between passes; the next cluster starts where the last pass ended.
@@ -189,6 +189,8 @@ const TraceCase kTraces[] = {
     {7, 0, 0, 8, 512, 0, "A O C D", 7, ShredOutcome::kDeletedWithoutOverwrite, 0, false, 2},
     // A name whose handle reaches another file stays, and so does that file.
     {7, 0, 0, 8, 512, 0, "A O C", 7, ShredOutcome::kReachesAnotherFile, 0, false, 3},
+    // Data another name shares is not overwritten (no seek, no write); this name goes.
+    {11, 0, 8, 8, 512, 0, "A O C R D", 11, ShredOutcome::kDeletedWithoutOverwrite, 0, false, 4},
     {7, kRO | kHidden | kSystem, 0, 8, 512, 0, kOneWrite, kCluster},
     // Only the low 8 bits of sectors per cluster and low 16 of bytes per sector count.
     {7, 0, 0, 0x108, 512, 0, kOneWrite, kCluster},
@@ -199,6 +201,8 @@ const TraceCase kTraces[] = {
     {7, kRO | kHidden, 0, 0, 512, 0, "A O", 0, kKept},
     {7, kRO, 0, 8, 0x10000, 0, "A O", 0, kKept},
     {7, kSystem, 0, 8, 0, 0, "A O", 0, kKept},
+    // Open elsewhere without sharing: it stays, its attributes reduced.
+    {7, kHidden | kSystem, 0, 8, 512, 0, "A O", 0, kKept, 0, false, 0, true},
 };
 
 TEST(Shred, TraceTable) {
@@ -206,15 +210,19 @@ TEST(Shred, TraceTable) {
     SCOPED_TRACE(c.trace);
     test::ScratchDir dir(L"shred_trace");
     const std::wstring path = dir / L"file.dat", target = dir / L"target.dat";
-    test::WriteFileBytes(c.link == 3 ? target : path, std::string(c.size, 'q'));
-    if (c.link == 3) {
-      ASSERT_TRUE(test::MakeUnixSymlink(target, path));
+    test::WriteFileBytes(c.link >= 3 ? target : path, std::string(c.size, 'q'));
+    if (c.link >= 3) {
+      ASSERT_TRUE(c.link == 3 ? test::MakeUnixSymlink(target, path) : test::MakeUnixHardLink(target, path));
     }
     ASSERT_TRUE(::SetFileAttributesW(path.c_str(), c.attributes | FILE_ATTRIBUTE_ARCHIVE));
     RecordingIo io;
     std::tie(io.sectorsPerCluster, io.bytesPerSector, io.failWrite) = std::tie(c.spc, c.bps, c.failWrite);
     std::tie(io.stopAfterWrite, io.failIdentity, io.link) = std::tie(c.stopAfterWrite, c.failIdentity, c.link);
+    UniqueHandleKernel holder(c.held ? ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                                     OPEN_EXISTING, 0, nullptr) : nullptr);
+    ASSERT_EQ(static_cast<bool>(holder), c.held);
     EXPECT_EQ(CFileShred(io, &io.stop).Shred(path, c.method), c.outcome);
+    holder.reset();
     EXPECT_EQ(io.trace, c.trace);
     EXPECT_EQ(io.attributesAtOpen, c.link == 1 ? 0 : DWORD{FILE_ATTRIBUTE_ARCHIVE});  // cleared before the open
     if (c.outcome == ShredOutcome::kStopped) {
@@ -228,7 +236,7 @@ TEST(Shred, TraceTable) {
       EXPECT_FALSE(test::PathExists(path));
       EXPECT_FALSE(test::PathExists(ObscuredPath(path)));
     }
-    if (c.link == 3) {
+    if (c.link >= 3) {
       EXPECT_EQ(test::ReadFileBytes(target), std::string(c.size, 'q'));
       test::RemoveUnixLink(path);
     }
@@ -320,20 +328,6 @@ TEST(ShredDisk, NeitherNameRemainsAndTheNeighboursSurvive) {
   }
 }
 
-TEST(ShredDisk, FileHeldOpenWithoutSharingStaysWithAttributesReduced) {
-  test::ScratchDir dir(L"shred_locked");
-  const std::wstring path = dir / L"locked.db";
-  test::WriteFileBytes(path, "in use");
-  ASSERT_TRUE(::SetFileAttributesW(path.c_str(), kHidden | kSystem));
-  UniqueHandleKernel holder(
-      ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-  ASSERT_TRUE(holder);
-  EXPECT_EQ(CFileShred{}.Shred(path, 0), kKept);
-  holder.reset();
-  EXPECT_EQ(test::ReadFileBytes(path), "in use");
-  EXPECT_EQ(::GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_ARCHIVE});
-}
-
 // A failed rename never deletes the file that already has the new name.
 TEST(ShredDisk, FailedRenameKeepsTheFileOfTheNewName) {
   test::ScratchDir dir(L"shred_collision");
@@ -342,18 +336,6 @@ TEST(ShredDisk, FailedRenameKeepsTheFileOfTheNewName) {
   EXPECT_EQ(CFileShred{}.Shred(dir / L"abc.txt", 0), ShredOutcome::kOverwrittenAndDeleted);
   EXPECT_EQ(test::ReadFileBytes(dir / L"xxx.xxx"), "someone else's");
   EXPECT_EQ(test::ReadFileBytes(dir / L"abc.txt").substr(0, 6), std::string(6, '\0'));  // overwritten, kept
-}
-
-TEST(ShredDisk, HardLinkedFileIsDeletedButNotOverwritten) {
-  test::ScratchDir dir(L"shred_hardlink");
-  test::WriteFileBytes(dir / L"one.txt", "shared data");
-  ASSERT_TRUE(test::MakeUnixHardLink(dir / L"one.txt", dir / L"two.txt"));
-  RecordingIo io;
-  EXPECT_EQ(CFileShred(io).Shred(dir / L"one.txt", 8), ShredOutcome::kDeletedWithoutOverwrite);
-  EXPECT_EQ(io.trace, "A O C R D");  // no seek, no write
-  EXPECT_FALSE(test::PathExists(dir / L"one.txt"));
-  EXPECT_FALSE(test::PathExists(dir / L"xxx.xxx"));
-  EXPECT_EQ(test::ReadFileBytes(dir / L"two.txt"), "shared data");
 }
 
 }  // namespace
