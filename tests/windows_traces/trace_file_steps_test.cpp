@@ -62,7 +62,9 @@ const FileStep kSteps[] = {
 TEST(TraceFileStepsTest, MeasureCountsWhatEraseTakesAndEverythingBesideStays) {
   for (const FileStep& step : kSteps) {
     SCOPED_TRACE(step.name);
-    ScratchDir base(L"pctraces-files"), outside(L"pctraces-files-canary");
+    // The links' folder goes first, while what they name is still there:
+    // Wine cannot see a dangling link to remove it.
+    ScratchDir outside(L"pctraces-files-canary"), base(L"pctraces-files");
     CanaryTree canary(outside / L"tree");
     PlantFile(canary.root() + L"\\bait.lnk.CHK", "bait");  // matches every step's pattern
     for (const auto& [name, size] : step.gone) PlantFile(base / name, std::string(size, 'g'));
