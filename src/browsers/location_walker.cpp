@@ -54,7 +54,7 @@ void LocationWalker::VisitFolder(const std::wstring& base, const std::wstring& f
   // it lists in is the location.
   const std::wstring listed =
       treatment == Treatment::kIndexFilesBare ? folder.substr(0, folder.rfind(L'\\') + 1) : folder;
-  if (!ReachedWithoutLinks(base, listed)) return;
+  if (!ReachedWithoutLinks(context_.io, base, listed)) return;
   Walk(folder, ShapeOf(treatment), 0);
 }
 
@@ -76,7 +76,7 @@ void LocationWalker::Walk(const std::wstring& folder, const FolderShape& shape, 
 }
 
 bool LocationWalker::VisitFile(const std::wstring& base, const std::wstring& path, Tally tally) {
-  if (!ReachedWithoutLinks(base, path)) return false;
+  if (!ReachedWithoutLinks(context_.io, base, path)) return false;
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   return TakeTraceFile(context_, TraceFile{path, 0, attributes}, kSingleFile, tally);
 }

@@ -60,10 +60,10 @@ class PluginWalk {
   // its token's folder is skipped whole, so a link cannot carry a plug-in
   // into a folder the refusal rules keep it out of. A pattern's location is
   // the folder it lists.
-  static bool PassesThroughLink(const FileTarget& target) {
+  bool PassesThroughLink(const FileTarget& target) const {
     const std::wstring base = target.path.substr(0, target.baseLength);
     const std::wstring location = target.wildcard ? target.path.substr(0, target.path.rfind(L'\\')) : target.path;
-    return !ReachedWithoutLinks(base, location);
+    return !ReachedWithoutLinks(context_.io, base, location);
   }
 
   void File(const FileTarget& target, Tally tally) {

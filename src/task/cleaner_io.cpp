@@ -1,5 +1,6 @@
 #include "task/cleaner_io.h"
 
+#include "common/final_path.h"
 #include "common/registry_links.h"
 #include "common/status.h"
 #include "common/unique_handle.h"
@@ -58,6 +59,8 @@ void CleanerIo::EmptyRecycleBins() {
 void CleanerIo::ClearRecentDocuments() { ::SHAddToRecentDocs(0, nullptr); }
 
 std::error_code CleanerIo::DeleteUrlCacheEntry(const wchar_t* url) { return Checked(::DeleteUrlCacheEntryW(url)); }
+
+std::wstring CleanerIo::FinalPathOf(const std::wstring& path) { return scourel::FinalPathOf(path); }
 
 bool CleanerIo::ProbeReadWrite(const std::wstring& path) { return ReadWriteProbe(path); }
 

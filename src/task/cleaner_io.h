@@ -48,6 +48,12 @@ class CleanerIo : public ShredIo {
   // DeleteUrlCacheEntryW.
   [[nodiscard]] virtual std::error_code DeleteUrlCacheEntry(const wchar_t* url);
 
+  // The path a name really reaches, "" when it does not open
+  // (common/final_path.h). A read the link rule makes through here: a walk
+  // asks it of the same folder for every file in it, and a stand-in that
+  // changes nothing need not ask the system again.
+  virtual std::wstring FinalPathOf(const std::wstring& path);
+
   // The erasing walks' read-write probe, taken after read-only was cleared.
   virtual bool ProbeReadWrite(const std::wstring& path);
   // The browser whose traces a browser step is about to take: a recording

@@ -26,7 +26,7 @@ bool IsLinkOrMissing(const std::wstring& path) {
 
 }  // namespace
 
-bool ReachedWithoutLinks(const std::wstring& base, const std::wstring& location) {
+bool ReachedWithoutLinks(CleanerIo& io, const std::wstring& base, const std::wstring& location) {
   // An empty location is the current folder, as a listing of it would be.
   const std::wstring path = Absolute(location.empty() ? L"." : location);
   std::wstring root = Absolute(base);
@@ -44,9 +44,9 @@ bool ReachedWithoutLinks(const std::wstring& base, const std::wstring& location)
   if (path.size() > root.size() && IsLinkOrMissing(path)) return false;
   // ...but a unix symlink to a file does not, and a folder swapped since the
   // check would not either: the handle's final path tells.
-  const std::wstring reached = FinalPathOf(path);
+  const std::wstring reached = io.FinalPathOf(path);
   if (root.empty()) return SamePathName(path, reached);
-  const std::wstring rootReached = FinalPathOf(root);
+  const std::wstring rootReached = io.FinalPathOf(root);
   return !rootReached.empty() && SamePathName(rootReached + path.substr(root.size()), reached);
 }
 

@@ -9,11 +9,13 @@
 
 #include <string>
 
+#include "task/cleaner_io.h"
+
 namespace scourel {
 
 // True when `location`, at or below `base`, exists and is reached without a
 // link. A base that is empty or not a prefix of `location` leaves the whole
-// path under the rule.
-bool ReachedWithoutLinks(const std::wstring& base, const std::wstring& location);
+// path under the rule. The final paths are asked through `io`.
+bool ReachedWithoutLinks(CleanerIo& io, const std::wstring& base, const std::wstring& location);
 
 }  // namespace scourel

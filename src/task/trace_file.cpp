@@ -31,7 +31,7 @@ bool TakeTraceFile(const TaskContext& context, const TraceFile& file, const Trac
   // reached through a link: neither counted nor touched.
   const bool plainFile = !(file.attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));
   const std::wstring folder = file.path.substr(0, file.path.rfind(L'\\') + 1);
-  if (context.stopped() || (plainFile && !ReachedWithoutLinks(folder, file.path)) ||
+  if (context.stopped() || (plainFile && !ReachedWithoutLinks(context.io, folder, file.path)) ||
       !PassesProbe(context, file, rule)) {
     return false;
   }

@@ -97,12 +97,12 @@ void DeadShortcuts(const TaskContext& context) {
   // Each is walked only when no link leads to it from its base folder.
   const std::wstring drive = WindowsDrive();
   const std::wstring startMenu = drive + L":\\ProgramData\\Microsoft\\Windows\\Start Menu\\";
-  if (!drive.empty() && ReachedWithoutLinks(drive + L":\\", startMenu)) walk.Walk(startMenu);
+  if (!drive.empty() && ReachedWithoutLinks(context.io, drive + L":\\", startMenu)) walk.Walk(startMenu);
   if (context.stopped()) return;
   const std::wstring profile = ShellFolderPath(CSIDL_PROFILE);
   if (profile.empty()) return;
   const std::wstring publicDesktop = ParentOf(profile) + L"\\Public\\Desktop";
-  if (ReachedWithoutLinks(ParentOf(profile), publicDesktop)) walk.Walk(publicDesktop);
+  if (ReachedWithoutLinks(context.io, ParentOf(profile), publicDesktop)) walk.Walk(publicDesktop);
   if (context.stopped()) return;
   walk.Walk(profile);
 }

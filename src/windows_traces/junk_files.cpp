@@ -19,23 +19,24 @@ void JunkFiles(const TaskContext& context) {
   if (!temp.empty()) walker.TempFolderWalk(WithBackslash(temp), false, true);
   if (context.stopped()) return;
   const std::wstring windowsTemp = windows + L"\\temp";
-  if (!windows.empty() && ReachedWithoutLinks(windows, windowsTemp)) {
+  if (!windows.empty() && ReachedWithoutLinks(context.io, windows, windowsTemp)) {
     walker.TempFolderWalk(WithBackslash(windowsTemp), false, true);
   }
   if (context.stopped() || windows.empty()) return;
 
-  if (ReachedWithoutLinks(windows, windows + L"\\Minidump")) walker.CountCrashDumps(windows + L"\\Minidump");
+  const std::wstring minidump = windows + L"\\Minidump";
+  if (ReachedWithoutLinks(context.io, windows, minidump)) walker.CountCrashDumps(minidump);
   if (context.stopped()) return;
   walker.LogWalk(windows);
   if (context.stopped()) return;
 
   const std::wstring root = WindowsDrive() + L":\\";
   const std::wstring sharedReports = root + L"ProgramData\\Microsoft\\Windows\\WER";
-  if (ReachedWithoutLinks(root, sharedReports)) walker.ReportFolderStep(sharedReports);
+  if (ReachedWithoutLinks(context.io, root, sharedReports)) walker.ReportFolderStep(sharedReports);
   if (context.stopped()) return;
   const std::wstring local = ShellFolderPath(CSIDL_LOCAL_APPDATA);
   const std::wstring ownReports = local + L"\\Microsoft\\Windows\\WER";
-  if (!local.empty() && ReachedWithoutLinks(local, ownReports)) walker.ReportFolderStep(ownReports);
+  if (!local.empty() && ReachedWithoutLinks(context.io, local, ownReports)) walker.ReportFolderStep(ownReports);
 }
 
 }  // namespace scourel

@@ -40,7 +40,7 @@ TEST(LinkRule, ALocationIsReachedOnlyWithoutALinkBelowItsBase) {
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.base << " | " << c.location);
     const std::wstring base = *c.base ? dir / c.base : L"";
-    EXPECT_EQ(ReachedWithoutLinks(base, dir / c.location), c.reached);
+    EXPECT_EQ(ReachedWithoutLinks(SystemCleanerIo(), base, dir / c.location), c.reached);
   }
   EXPECT_EQ(canary.Damage(), L"");
 }

@@ -214,6 +214,28 @@ std::error_code RecordingIo::Identity(HANDLE file, DWORD* attributes, DWORD* lin
   return {};
 }
 
+std::error_code RecordingIo::FinalPath(HANDLE file, std::wstring* path) {
+  if (const auto found = openFiles_.find(file); found != openFiles_.end()) {
+    for (const auto& [name, reached] : finalPaths_) {
+      if (!reached.empty() && name == found->second) {
+        *path = reached;
+        return {};
+      }
+    }
+  }
+  return ShredIo::FinalPath(file, path);
+}
+
+std::wstring RecordingIo::FinalPathOf(const std::wstring& path) {
+  for (const auto& [name, reached] : finalPaths_) {
+    if (name == path) return reached;
+  }
+  std::wstring reached = CleanerIo::FinalPathOf(path);
+  finalPaths_[nextFinalPath_] = {path, reached};
+  nextFinalPath_ = (nextFinalPath_ + 1) % finalPaths_.size();
+  return reached;
+}
+
 std::error_code RecordingIo::Seek(HANDLE, std::uint64_t) { return {}; }
 std::error_code RecordingIo::Write(HANDLE, const std::uint8_t*, std::uint32_t) { return {}; }
 std::error_code RecordingIo::Flush(HANDLE) { return {}; }

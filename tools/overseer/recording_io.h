@@ -6,6 +6,7 @@
 // real state with the recorded changes laid over it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -73,6 +74,7 @@ class RecordingIo : public scourel::CleanerIo {
   std::error_code DiskFreeSpace(const std::wstring& drive, DWORD* sectorsPerCluster, DWORD* bytesPerSector) override;
   std::error_code FileSize(HANDLE file, std::uint64_t* size) override;
   std::error_code Identity(HANDLE file, DWORD* attributes, DWORD* linkCount) override;
+  std::error_code FinalPath(HANDLE file, std::wstring* path) override;
   std::error_code Seek(HANDLE file, std::uint64_t offset) override;
   std::error_code Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) override;
   std::error_code Flush(HANDLE file) override;
@@ -90,6 +92,7 @@ class RecordingIo : public scourel::CleanerIo {
   void ClearRecentDocuments() override;
   std::error_code DeleteUrlCacheEntry(const wchar_t* url) override;
   bool ProbeReadWrite(const std::wstring& path) override;
+  std::wstring FinalPathOf(const std::wstring& path) override;
   // The real listing less what was recorded as taken.
   void ListFolder(const std::wstring& pattern, const std::function<bool(const WIN32_FIND_DATAW&)>& visit) override;
   void EnterBrowserStep(scourel::protocol::Browser browser) override;
@@ -131,6 +134,11 @@ class RecordingIo : public scourel::CleanerIo {
     scourel::UniqueHandleKernel handle;
   };
   std::map<std::wstring, Volume> volumes_;
+  // The last final paths asked, by the name asked: the link rule asks its
+  // base folder's for every file, then the shredder the file's own. Nothing
+  // a preview does changes where a name leads.
+  std::array<std::pair<std::wstring, std::wstring>, 4> finalPaths_;
+  std::size_t nextFinalPath_ = 0;
   Volume& VolumeOf(const std::wstring& drive);                           // the current user's hive, as the kernel names it
 };
 
