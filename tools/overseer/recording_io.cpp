@@ -1,5 +1,6 @@
 #include "overseer/recording_io.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <vector>
@@ -216,24 +217,31 @@ std::error_code RecordingIo::Identity(HANDLE file, DWORD* attributes, DWORD* lin
 
 std::error_code RecordingIo::FinalPath(HANDLE file, std::wstring* path) {
   if (const auto found = openFiles_.find(file); found != openFiles_.end()) {
-    for (const auto& [name, reached] : finalPaths_) {
-      if (!reached.empty() && name == found->second) {
-        *path = reached;
-        return {};
-      }
+    if (const FinalPathAnswer* known = KnownFinalPath(found->second); known && !known->reached.empty()) {
+      *path = known->reached;
+      return {};
     }
   }
   return ShredIo::FinalPath(file, path);
 }
 
-std::wstring RecordingIo::FinalPathOf(const std::wstring& path) {
-  for (const auto& [name, reached] : finalPaths_) {
-    if (name == path) return reached;
+const RecordingIo::FinalPathAnswer* RecordingIo::KnownFinalPath(const std::wstring& name) {
+  for (FinalPathAnswer& answer : finalPaths_) {
+    if (answer.used != 0 && answer.name == name) {
+      answer.used = ++finalPathClock_;
+      return &answer;
+    }
   }
-  std::wstring reached = CleanerIo::FinalPathOf(path);
-  finalPaths_[nextFinalPath_] = {path, reached};
-  nextFinalPath_ = (nextFinalPath_ + 1) % finalPaths_.size();
-  return reached;
+  return nullptr;
+}
+
+std::wstring RecordingIo::FinalPathOf(const std::wstring& path) {
+  if (const FinalPathAnswer* known = KnownFinalPath(path)) return known->reached;
+  // The answer used longest ago makes room.
+  FinalPathAnswer& oldest = *std::min_element(finalPaths_.begin(), finalPaths_.end(),
+                                              [](const auto& a, const auto& b) { return a.used < b.used; });
+  oldest = {path, CleanerIo::FinalPathOf(path), ++finalPathClock_};
+  return oldest.reached;
 }
 
 std::error_code RecordingIo::Seek(HANDLE, std::uint64_t) { return {}; }

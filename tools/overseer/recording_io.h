@@ -135,11 +135,16 @@ class RecordingIo : public scourel::CleanerIo {
     scourel::UniqueHandleKernel handle;
   };
   std::map<std::wstring, Volume> volumes_;
-  // The last final paths asked, by the name asked: the link rule asks its
+  // The final paths asked last, by the name asked: the link rule asks its
   // base folder's for every file, then the shredder the file's own. Nothing
   // a preview does changes where a name leads.
-  std::array<std::pair<std::wstring, std::wstring>, 4> finalPaths_;
-  std::size_t nextFinalPath_ = 0;
+  struct FinalPathAnswer {
+    std::wstring name, reached;
+    std::uint64_t used = 0;
+  };
+  std::array<FinalPathAnswer, 4> finalPaths_;
+  std::uint64_t finalPathClock_ = 0;
+  const FinalPathAnswer* KnownFinalPath(const std::wstring& name);
   Volume& VolumeOf(const std::wstring& drive);                           // the current user's hive, as the kernel names it
 };
 
