@@ -12,13 +12,11 @@
 namespace scourel::test {
 namespace {
 
-int g_shellListClears = 0;
-
 // The system's calls, but the shell's list is only counted when cleared.
 struct CountedClears : CleanerIo {
-  void ClearRecentDocuments() override { ++g_shellListClears; }
+  int clears = 0;
+  void ClearRecentDocuments() override { ++clears; }
 };
-CountedClears g_countedClears;
 
 struct FileStep {
   const char* name;
@@ -41,15 +39,9 @@ const FileStep kSteps[] = {
      L"Microsoft\\Credentials\\2C1B3F7E", L"Microsoft\\Credentials\\linked", 1, 100.0f, {}, 0},
     // Every name holding ".lnk" counts, whatever the shredder makes of it: a
     // file in use and a folder or link so named are counted and left whole.
-    {"recent documents",
-     [](const TaskContext& context, const std::wstring& base) {
-       const TaskContext counted{context.totals, g_countedClears, context.stop, context.wipeMethod,
-                                 context.mode,   context.window,  context.installRoot, context.settingsPath};
-       VisitRecentDocuments(counted, base + L"\\Recent");
-     },
-     protocol::PcStep::kDocuments, {{L"Recent\\report.docx.lnk", 300}, {L"Recent\\notes.lnk.old", 200}},
-     {L"Recent\\readme.txt", L"Recent\\link.txt", L"Recent\\album.lnk\\photo.lnk"}, L"Recent\\busy.lnk",
-     L"Recent\\elsewhere.lnk", 5, 504.0f, {}, 1},
+    {"recent documents", VisitRecentDocuments, protocol::PcStep::kDocuments,
+     {{L"report.docx.lnk", 300}, {L"notes.lnk.old", 200}}, {L"readme.txt", L"link.txt", L"album.lnk\\photo.lnk"},
+     L"busy.lnk", L"elsewhere.lnk", 5, 504.0f, {}, 1},
     // "*.CHK" files directly in "FOUND.nnn" folders; only emptied folders go.
     {"scan-disk files", VisitScanDiskFiles, protocol::PcStep::kScanDiskFiles,
      {{L"FOUND.000\\FILE0000.CHK", 1000}, {L"found.123\\file0001.chk", 24}, {L"Found.999\\FILE0000.ChK", 100}},
@@ -72,18 +64,20 @@ TEST(TraceFileStepsTest, MeasureCountsWhatEraseTakesAndEverythingBesideStays) {
     PlantFile(base / step.held, "held");
     ASSERT_TRUE(MakeUnixSymlink(canary.root(), base / step.link));
     auto& counter = g_totals.pc(step.counter);
-    g_shellListClears = 0;
+    CountedClears io;
+    TaskContext context{g_totals, io, nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
     UniqueHandleKernel held = HoldWithoutSharing(base / step.held);
     ASSERT_TRUE(held);
-    for (const TaskContext* context : {&kMeasure, &kErase}) {
+    for (const Mode mode : {Mode::kMeasure, Mode::kErase}) {
       ResetPcCounters();
-      step.visit(*context, base.path());
+      context.mode = mode;
+      step.visit(context, base.path());
       EXPECT_EQ(counter.get(), step.count);
       EXPECT_EQ(g_totals.byteTotal.get(), step.bytes);
-      for (const auto& [name, size] : step.gone) EXPECT_EQ(PathExists(base / name), context == &kMeasure) << name;
+      for (const auto& [name, size] : step.gone) EXPECT_EQ(PathExists(base / name), mode == Mode::kMeasure) << name;
     }
     held.reset();
-    EXPECT_EQ(g_shellListClears, step.clears);
+    EXPECT_EQ(io.clears, step.clears);
     for (const std::wstring& name : step.kept) EXPECT_EQ(ReadFileBytes(base / name), "keep") << name;
     for (const std::wstring& name : step.removed) EXPECT_FALSE(PathExists(base / name)) << name;
     EXPECT_EQ(ReadFileBytes(base / step.held), "held");
@@ -91,12 +85,12 @@ TEST(TraceFileStepsTest, MeasureCountsWhatEraseTakesAndEverythingBesideStays) {
     EXPECT_EQ(canary.Damage(), L"");
 
     // A folder with nothing in it counts nothing; the shell's list is still cleared.
-    MakeDirs(base / L"empty\\Recent");
+    MakeDirs(base / L"empty");
     ResetPcCounters();
-    step.visit(kErase, base / L"empty");
+    step.visit(context.With(Mode::kErase), base / L"empty");
     EXPECT_EQ(counter.get(), 0);
     EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);
-    EXPECT_EQ(g_shellListClears, 2 * step.clears);
+    EXPECT_EQ(io.clears, 2 * step.clears);
   }
 }
 
