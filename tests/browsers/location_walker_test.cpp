@@ -50,24 +50,20 @@ struct ReadOnlyFoldersIo : CleanerIo {
 // Read-only goes from every listed entry, "." and ".." included, in the order
 // of the listing, and never through a link; the emptied folders then go.
 TEST(LocationWalkerTest, ClearsReadOnlyOnEveryListedEntryThenRemovesTheEmptiedFolder) {
-  const struct {
-    DWORD dotDotAlso;
-    bool dotDotCleared;
-  } cases[] = {{0, true}, {FILE_ATTRIBUTE_REPARSE_POINT, false}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.dotDotAlso);
+  for (const DWORD dotDotAlso : {DWORD{0}, DWORD{FILE_ATTRIBUTE_REPARSE_POINT}}) {
+    SCOPED_TRACE(dotDotAlso);
     ScratchDir dir(L"location-walker");
     CanaryTree canary(dir / L"canary");
     const std::wstring top = dir / L"top\\", sub = top + L"sub\\";
     MakeDirs(sub);
     ReadOnlyFoldersIo io;
-    io.dotDotAlso = c.dotDotAlso;
+    io.dotDotAlso = dotDotAlso;
     const TaskContext context{g_totals, io, nullptr, 0, Mode::kErase, nullptr, L"", L""};
     LocationWalker(context).VisitFolder(dir.path(), top, Treatment::kWholeTree);
 
     std::vector<std::wstring> expected = {L"A " + sub + L"..", L"A " + sub + L".", L"X " + sub,
                                           L"A " + top + L"..", L"A " + top + L".", L"X " + top};
-    if (!c.dotDotCleared) std::erase_if(expected, [](const std::wstring& call) { return call.ends_with(L".."); });
+    if (dotDotAlso) std::erase_if(expected, [](const std::wstring& call) { return call.ends_with(L".."); });
     EXPECT_EQ(io.trace, expected);
     EXPECT_FALSE(PathExists(top));
     EXPECT_EQ(canary.Damage(), L"");

@@ -1,6 +1,7 @@
 // The PC-traces task driven through real window messages.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <regex>
 
 #include "support/folder_changes.h"
@@ -41,17 +42,12 @@ TEST(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore) {
   const std::wstring recent = ShellFolderPath(CSIDL_RECENT);
   ASSERT_FALSE(recent.empty());
   constexpr int kShortcuts = 1500;
-  auto shortcut = [&](int i) { return recent + L"\\pctraces-stop-" + std::to_wstring(i) + L".lnk"; };
-  const Cleanup shortcuts([&] {
-    for (int i = 0; i < kShortcuts; ++i) ::DeleteFileW(shortcut(i).c_str());
-  });
-  for (int i = 0; i < kShortcuts; ++i) PlantFile(shortcut(i), std::string(64, 's'));
+  std::vector<std::wstring> shortcuts;
+  for (int i = 0; i < kShortcuts; ++i) shortcuts.push_back(recent + L"\\pctraces-stop-" + std::to_wstring(i) + L".lnk");
+  const Cleanup removed = RemovedAtEnd(shortcuts);
+  for (const std::wstring& shortcut : shortcuts) PlantFile(shortcut, std::string(64, 's'));
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}});
-  auto left = [&] {
-    int count = 0;
-    for (int i = 0; i < kShortcuts; ++i) count += PathExists(shortcut(i));
-    return count;
-  };
+  auto left = [&] { return static_cast<int>(std::ranges::count_if(shortcuts, PathExists)); };
   WorkerHarness worker(L"pctraces-stop");
   ASSERT_TRUE(worker.Started());
   worker.WriteSetting(L"IDS_CPCDOCUMENT", L"TRUE");

@@ -14,10 +14,7 @@ TEST(DirectorySlackTest, NextStartRemovesOnlyTheFillEntriesOfTheRecordedFolder) 
   const test::ScratchDir scratch(L"directory-slack");
   const test::CanaryTree canaries(scratch / L"canaries");
   const std::wstring folder = L"\\\\?\\" + scratch.path() + L"\\";  // 255-character names pass MAX_PATH
-  const struct {
-    std::wstring name;
-    bool ours;
-  } kEntries[] = {
+  const std::pair<std::wstring, bool> kEntries[] = {
       {SlackEntryName(0, 255), true},
       {SlackEntryName(99'999, 11), true},
       {L"xe8aqu00042xxxxx", true},               // any case
@@ -26,7 +23,7 @@ TEST(DirectorySlackTest, NextStartRemovesOnlyTheFillEntriesOfTheRecordedFolder) 
       {L"XE8AQU00001XXXXY", false},
       {L"XE8AQU.tmp", false},
   };
-  for (const auto& entry : kEntries) test::WriteFileBytes(folder + entry.name, "user data");
+  for (const auto& [name, ours] : kEntries) test::WriteFileBytes(folder + name, "user data");
   const std::wstring namedLikeOurs = folder + SlackEntryName(1, 32);
   test::MakeDirs(namedLikeOurs);
   const test::Cleanup clear([] { ClearSlackFolder(); });
@@ -34,11 +31,9 @@ TEST(DirectorySlackTest, NextStartRemovesOnlyTheFillEntriesOfTheRecordedFolder) 
 
   CleanUpInterruptedWipe();
 
-  for (const auto& entry : kEntries) {
-    EXPECT_EQ(test::PathExists(folder + entry.name), !entry.ours) << entry.name;
-    if (!entry.ours) {
-      EXPECT_EQ(test::ReadFileBytes(folder + entry.name), "user data") << entry.name;
-    }
+  for (const auto& [name, ours] : kEntries) {
+    EXPECT_EQ(test::PathExists(folder + name), !ours) << name;
+    EXPECT_EQ(test::ReadFileBytes(folder + name), ours ? "" : "user data") << name;
   }
   EXPECT_TRUE(test::PathExists(namedLikeOurs)) << "a folder is never one of the entries";
   EXPECT_EQ(canaries.Damage(), L"");

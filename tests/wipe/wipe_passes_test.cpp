@@ -16,20 +16,17 @@ namespace {
 // Steps run while fewer than length - 1 bytes are written: an odd-length pair
 // buffer keeps its last byte untouched, a triple step may end past it.
 TEST(WipePasses, PatternsStartAtTheFirstByteWithTheLoopBounds) {
-  const struct {
-    std::uint32_t length;
-    bool triple;
-    std::vector<std::uint8_t> expected;
-  } cases[] = {{5, false, {0x00, 0xFF, 0x00, 0xFF, 0x00}},
-               {1, false, {0x00}},
-               {7, true, {0x92, 0x49, 0x24, 0x92, 0x49, 0x24, 0x00}},
-               {8, true, {0x92, 0x49, 0x24, 0x92, 0x49, 0x24, 0x92, 0x49}}};
-  for (const auto& c : cases) {
+  // {triple, the pass of as many bytes}
+  const std::pair<bool, std::vector<std::uint8_t>> cases[] = {
+      {false, {0x00, 0xFF, 0x00, 0xFF, 0x00}},
+      {false, {0x00}},
+      {true, {0x92, 0x49, 0x24, 0x92, 0x49, 0x24, 0x00}},
+      {true, {0x92, 0x49, 0x24, 0x92, 0x49, 0x24, 0x92, 0x49}}};
+  for (const auto& [triple, expected] : cases) {
     CEraserJunkData data;
-    data.SetPassLength(c.length);
-    c.triple ? data.AddTriplePass(0x92, 0x49, 0x24) : data.AddPairPass(0x00, 0xFF);
-    EXPECT_EQ(std::vector<std::uint8_t>(data.head()->bytes.get(), data.head()->bytes.get() + c.length), c.expected)
-        << c.length;
+    data.SetPassLength(static_cast<std::uint32_t>(expected.size()));
+    triple ? data.AddTriplePass(0x92, 0x49, 0x24) : data.AddPairPass(0x00, 0xFF);
+    EXPECT_EQ(std::vector<std::uint8_t>(data.head()->bytes.get(), data.head()->bytes.get() + expected.size()), expected);
   }
 }
 
