@@ -1,6 +1,7 @@
 // The browser task and the full scan's browser step through a real worker:
 // the ten groups the controller receives, built from every browser's cells,
 // and the Windows version the worker is told it runs on.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -11,6 +12,9 @@
 
 namespace scourel::test {
 namespace {
+
+using testing::Field;
+using testing::Optional;
 
 // The text of kinds 105, 305 and 306 for what the fixture holds.
 std::wstring ExpectedText(const BrowserFixture& fixture, const Run& run) {
@@ -34,9 +38,7 @@ TEST(BrowserTaskTest, ScanThenFullCleanRepliesWithEveryCategoryStopRepeatsItAndA
     WorkerHarness worker(L"browser-task");
     ASSERT_TRUE(worker.Started());
     worker.Send(2087);
-    const auto scanned = worker.WaitForCopyData(105);
-    ASSERT_TRUE(scanned);
-    EXPECT_EQ(scanned->text, ExpectedText(fixture, ScanRun()));
+    EXPECT_THAT(worker.WaitForCopyData(105), Optional(Field(&ReceivedMessage::text, ExpectedText(fixture, ScanRun()))));
     ASSERT_TRUE(worker.WaitForCopyData(106));
     EXPECT_EQ(fixture.Damage(ScanRun()), L"");
 
@@ -44,20 +46,15 @@ TEST(BrowserTaskTest, ScanThenFullCleanRepliesWithEveryCategoryStopRepeatsItAndA
     for (const std::wstring_view key : protocol::kBrowserCategoryKeys) {
       worker.WriteSetting(L"IDS_C" + std::wstring(key), L"TRUE");
     }
+    const auto cleaned = Optional(Field(&ReceivedMessage::text, ExpectedText(fixture, CleanEverything())));
     worker.Send(2046);
-    const auto done = worker.WaitForCopyData(305);
-    ASSERT_TRUE(done);
-    EXPECT_EQ(done->text, ExpectedText(fixture, CleanEverything()));
+    EXPECT_THAT(worker.WaitForCopyData(305), cleaned);
     EXPECT_EQ(fixture.Damage(CleanEverything()), L"");
     // The finished first-set task still holds its slot: a stop reports the same totals.
     worker.Send(2048);
-    const auto stopped = worker.WaitForCopyData(306);
-    ASSERT_TRUE(stopped);
-    EXPECT_EQ(stopped->text, done->text);
+    EXPECT_THAT(worker.WaitForCopyData(306), cleaned);
     worker.Send(2046);
-    const auto again = worker.WaitForCopyData(305);
-    ASSERT_TRUE(again);
-    EXPECT_EQ(again->text, BrowserText({}, {}));
+    EXPECT_THAT(worker.WaitForCopyData(305), Optional(Field(&ReceivedMessage::text, BrowserText({}, {}))));
   }
 }
 
