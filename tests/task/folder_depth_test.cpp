@@ -67,16 +67,15 @@ TEST(FolderDepthTest, EveryWalkStopsAtTheBoundOnAWorkerSizedStack) {
     io.root = c.top + L"\\";
     const TaskContext context{g_totals, io, nullptr, 0, Mode::kMeasure, nullptr, L"", L""};
     // The worker's task threads take the default stack, as this one does.
-    struct Call { const std::function<void(const TaskContext&)>& run; const TaskContext& context; } call{c.run, context};
-    const UniqueHandleKernel thread(::CreateThread(nullptr, 0, [](void* p) -> DWORD {
-      auto* call = static_cast<Call*>(p);
-      call->run(call->context);
+    // An overflow shows as a walk that ends short of the bound: under Wine
+    // the thread just dies, and even its exit code says nothing.
+    std::function<void()> walk = [&] { c.run(context); };
+    const UniqueHandleKernel thread(::CreateThread(nullptr, 0, [](void* walk) -> DWORD {
+      (*static_cast<std::function<void()>*>(walk))();
       return 0;
-    }, &call, 0, nullptr));
+    }, &walk, 0, nullptr));
     ASSERT_TRUE(thread);
     ASSERT_EQ(::WaitForSingleObject(thread.get(), 60000), WAIT_OBJECT_0);
-    DWORD code = 1;
-    EXPECT_TRUE(::GetExitCodeThread(thread.get(), &code) && code == 0);
     EXPECT_EQ(io.deepest + c.above, kMaxFolderDepth);
   }
 }
