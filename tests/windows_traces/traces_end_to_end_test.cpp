@@ -79,11 +79,16 @@ TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   const WineVersionOf told(L"scourel.exe", L"win8");
   WorkerHarness worker(L"junk-e2e");
   ASSERT_TRUE(worker.Started());
+  // A task's completion, {count, bytes}; {-1, -1} when none came.
+  using Done = std::pair<std::int64_t, std::int64_t>;
+  const auto run = [&](UINT start) {
+    worker.Send(start);
+    const auto done = worker.WaitFor(start + 1);
+    return done ? Done(static_cast<std::int32_t>(done->wParam), done->lParam) : Done(-1, -1);
+  };
   // First clean away what the sandbox holds of its own.
-  worker.Send(2034);
-  ASSERT_TRUE(worker.WaitFor(2035));
-  worker.Send(2040);
-  ASSERT_TRUE(worker.WaitFor(2041));
+  ASSERT_NE(run(2034), Done(-1, -1));
+  ASSERT_NE(run(2040), Done(-1, -1));
   ::SHEmptyRecycleBinW(nullptr, nullptr, SHERB_NOCONFIRMATION | SHERB_NOPROGRESSUI | SHERB_NOSOUND);
   // What stays counted after a clean (crash dumps, for one).
   ResetForJunkFileScan(g_totals);
@@ -131,30 +136,17 @@ TEST(TracesEndToEndTest, FullScanThenTasksReportPlantedNumbers) {
   EXPECT_EQ(BinItems(), 3);
 
   // The clean then reports the same numbers.
-  worker.Send(2034);
-  const auto junkDone = worker.WaitFor(2035);
-  ASSERT_TRUE(junkDone);
-  EXPECT_EQ(static_cast<std::int32_t>(junkDone->wParam), baseFirst + baseSecond + 7);
-  EXPECT_EQ(static_cast<std::int64_t>(junkDone->lParam), ReplyBytes(junkBytes));
+  EXPECT_EQ(run(2034), Done(baseFirst + baseSecond + 7, ReplyBytes(junkBytes)));
   for (const auto& [path, size] : junk.erased) EXPECT_FALSE(PathExists(path)) << path;
   EXPECT_TRUE(PathExists(junk.dump));
 
-  worker.Send(2040);
-  const auto shortcutsDone = worker.WaitFor(2041);
-  ASSERT_TRUE(shortcutsDone);
-  EXPECT_EQ(shortcutsDone->wParam, 2u);
-  EXPECT_EQ(static_cast<std::int64_t>(shortcutsDone->lParam), static_cast<std::int64_t>(shortcuts.deadSize));
+  EXPECT_EQ(run(2040), Done(2, shortcuts.deadSize));
   for (const std::wstring& link : shortcuts.dead) EXPECT_FALSE(PathExists(link)) << link;
   for (const auto& [link, target] : shortcuts.kept) EXPECT_TRUE(PathExists(link)) << link;
   EXPECT_TRUE(PathExists(shortcuts.system32));
 
   // The Recycle Bin task adds to the byte total the shortcut task left.
-  worker.Send(2052);
-  const auto binDone = worker.WaitFor(2053);
-  ASSERT_TRUE(binDone);
-  EXPECT_EQ(static_cast<std::int32_t>(binDone->wParam), 3 * roots);
-  EXPECT_EQ(static_cast<std::int64_t>(binDone->lParam),
-            ReplyBytes(static_cast<float>(shortcuts.deadSize) + 3000.0f * static_cast<float>(roots)));
+  EXPECT_EQ(run(2052), Done(3 * roots, ReplyBytes(static_cast<float>(shortcuts.deadSize) + 3000.0f * roots)));
   EXPECT_EQ(BinItems(), 0);
   EXPECT_EQ(canary.Damage(), L"");
 }
