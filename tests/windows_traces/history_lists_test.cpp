@@ -32,7 +32,7 @@ TEST(HistoryListsTest, ValuesCountInBothModesTheKeysGoWholeAndAgainCountsNothing
     return std::pair{g_totals.pc(protocol::PcStep::kRunHistory).get(), find.get()};
   };
 
-  ResetPcCounters();
+  ResetForJunkFileScan(g_totals);
   EXPECT_EQ(pass(kMeasure), std::pair(30, 4));  // the order list counts with the words
   for (const std::wstring& key : kHistoryKeys) EXPECT_TRUE(KeyPresent(HKEY_CURRENT_USER, key)) << key;
   find.set(10);

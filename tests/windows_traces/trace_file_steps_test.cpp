@@ -69,7 +69,7 @@ TEST(TraceFileStepsTest, MeasureCountsWhatEraseTakesAndEverythingBesideStays) {
     UniqueHandleKernel held = HoldWithoutSharing(base / step.held);
     ASSERT_TRUE(held);
     for (const Mode mode : {Mode::kMeasure, Mode::kErase}) {
-      ResetPcCounters();
+      ResetForJunkFileScan(g_totals);
       context.mode = mode;
       step.visit(context, base.path());
       EXPECT_EQ(counter.get(), step.count);
@@ -86,7 +86,7 @@ TEST(TraceFileStepsTest, MeasureCountsWhatEraseTakesAndEverythingBesideStays) {
 
     // A folder with nothing in it counts nothing; the shell's list is still cleared.
     MakeDirs(base / L"empty");
-    ResetPcCounters();
+    ResetForJunkFileScan(g_totals);
     step.visit(context.With(Mode::kErase), base / L"empty");
     EXPECT_EQ(counter.get(), 0);
     EXPECT_EQ(g_totals.byteTotal.get(), 0.0f);

@@ -73,11 +73,6 @@ inline UniqueHandleKernel HoldWithoutSharing(const std::wstring& path) {
   return UniqueHandleKernel(::CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
-inline void ResetPcCounters() {
-  for (auto& counter : g_totals.pcTraces) counter.set(0);
-  g_totals.byteTotal.set(0.0f);
-}
-
 // Creates the key afresh with the values, in this order.
 inline void PlantList(const std::wstring& path, const std::vector<std::pair<std::wstring, std::wstring>>& values) {
   ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
