@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "support/fixtures.h"
-#include "support/task_fixture.h"
 #include "task/folder_walk.h"
 
 namespace scourel::test {

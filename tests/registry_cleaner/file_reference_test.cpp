@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 
-#include "common/registry_paths.h"
 #include "common/win.h"
 #include "support/fixtures.h"
 

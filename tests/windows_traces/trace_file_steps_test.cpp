@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "windows_traces/credentials.h"
-#include "windows_traces/pc_traces.h"
 #include "windows_traces/recent_documents.h"
 #include "windows_traces/scan_disk_files.h"
 #include "windows_traces/traces_fixture.h"

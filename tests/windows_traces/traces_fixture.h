@@ -13,7 +13,6 @@
 #include "support/fixtures.h"
 #include "support/registry_seed.h"
 #include "support/task_fixture.h"
-#include "task/task_totals.h"
 
 namespace scourel::test {
 
