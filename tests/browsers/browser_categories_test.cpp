@@ -59,9 +59,7 @@ TEST(BrowserCategoriesTest, ScanThenCleanCountWhatEachBrowserHolds) {
     EXPECT_EQ(::GetFileAttributesW(readOnly.c_str()) & FILE_ATTRIBUTE_READONLY, 0u) << "cleared by a scan too";
     if (!c.erase) continue;
     ResetBrowserTotals(g_totals);
-    for (const auto& category : protocol::kBrowserCategories) {
-      BrowserCategoryStep(kErase, category.category, c.version);
-    }
+    for (const auto& category : protocol::kBrowserCategories) BrowserCategoryStep(kErase, category.category, c.version);
     CheckRun(fixture, CleanEverything());
     ResetBrowserTotals(g_totals);
     ScanBrowserTraces(kMeasure, c.version);

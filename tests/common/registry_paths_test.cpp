@@ -97,8 +97,7 @@ TEST(EnumValueTextTest, TextByType) {
                   {L"dword", REG_DWORD, Bytes(&negative, 4), L"-5"}, {L"shortdword", REG_DWORD, "\x07\x01", L"263"},
                   {L"bigdword", REG_DWORD, std::string(4, '\xFF'), L"-1"}, {L"qword", REG_QWORD, Bytes(&quad, 8), L""},
                   {L"binary", REG_BINARY, Bytes("A\0B\0", 4), L""}, {L"unterminated", REG_SZ, Bytes(L"abc", 6), L"abc"},
-                  {L"odd", REG_SZ, Bytes("A\0B", 3), L"AB"}, {L"nodata", REG_SZ, "", L""}},
-                 11);
+                  {L"odd", REG_SZ, Bytes("A\0B", 3), L"AB"}, {L"nodata", REG_SZ, "", L""}}, 11);
 }
 
 TEST(EnumValueTextTest, TooLargePastTheEndAndNullGiveNothing) {
@@ -106,8 +105,7 @@ TEST(EnumValueTextTest, TooLargePastTheEndAndNullGiveNothing) {
   const std::wstring huge(kValueDataMax / sizeof(wchar_t) + 1, L'h'), fits(kValueDataMax / 2 - 1, L'f');
   const std::wstring longName(kValueNameMax, L'n');
   ExpectReadBack({{L"huge", REG_SZ, Bytes(huge.c_str(), kValueDataMax + 2), nullptr},
-                  {L"fits", REG_SZ, Wide(fits), fits.c_str()}, {longName, REG_SZ, Wide(L"x"), L"x"}},
-                 4);
+                  {L"fits", REG_SZ, Wide(fits), fits.c_str()}, {longName, REG_SZ, Wide(L"x"), L"x"}}, 4);
   std::wstring name = L"stale", text = L"stale";
   EXPECT_EQ(EnumValueText(nullptr, 0, name, text), 1);
   EXPECT_EQ(name + text, L"");

@@ -27,11 +27,10 @@ TEST(SettingsTest, ValuesAreOnOrAnIndexOnlyWhenExact) {
 
 // The key each family reads is seen from outside in settings_family_test.
 TEST(SettingsTest, OnlyModeArgumentOSelectsTheOFamily) {
-  const std::pair<const wchar_t*, KeyFamily> modes[] = {
-      {L"o", KeyFamily::kO}, {L"", KeyFamily::kPlain}, {L"O", KeyFamily::kPlain},
-      {L"o ", KeyFamily::kPlain}, {L"oo", KeyFamily::kPlain}, {L"-o", KeyFamily::kPlain},
-  };
-  for (const auto& [mode, family] : modes) EXPECT_EQ(FamilyForSecondSet(mode), family) << testing::PrintToString(std::wstring(mode));
+  EXPECT_EQ(FamilyForSecondSet(L"o"), KeyFamily::kO);
+  for (const wchar_t* plain : {L"", L"O", L"o ", L"oo", L"-o"}) {
+    EXPECT_EQ(FamilyForSecondSet(plain), KeyFamily::kPlain) << testing::PrintToString(std::wstring(plain));
+  }
 }
 
 class SettingsFileTest : public testing::Test {

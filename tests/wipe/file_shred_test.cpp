@@ -167,8 +167,7 @@ struct TraceCase { std::size_t size; DWORD attributes; std::uint32_t method; DWO
 constexpr auto kKept = ShredOutcome::kLeftInPlace;
 const TraceCase kTraces[] = {
     // Two clusters: seek back between passes; the next cluster starts where the last pass ended.
-    {kCluster + 1, 0, 2, 8, 512, 0,
-     "A O S0 W0 S0 W0 S0 W0 W4096 S4096 W4096 S4096 W4096 F C R D", 2 * kCluster},
+    {kCluster + 1, 0, 2, 8, 512, 0, "A O S0 W0 S0 W0 S0 W0 W4096 S4096 W4096 S4096 W4096 F C R D", 2 * kCluster},
     {0, 0, 8, 8, 512, 0, "A O S0 F C R D", 0},  // empty: nothing written, still deleted
     {3 * kCluster, 0, 2, 8, 512, 5, "A O S0 W0 S0 W0 S0 W0 W4096 S4096 W4096 F C R D", 3 * kCluster,
      ShredOutcome::kDeletedWithoutOverwrite},
