@@ -2,8 +2,6 @@
 // registry canary, and the one read length the list walks share.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "common/registry_key.h"
 #include "windows_traces/history_list.h"
 #include "windows_traces/pc_traces.h"
@@ -45,10 +43,9 @@ TEST(HistoryListsTest, ValuesCountInBothModesTheKeysGoWholeAndAgainCountsNothing
 
 // The data is compared as a narrow string, so the UTF-16 name does not match.
 TEST(HistoryListsTest, MruListDataIsTheNarrowName) {
-  for (const char* text : {"MRUListEx", "MRUList", "MRUListExx", "mrulistex", ""}) {
-    BYTE data[16] = {};
-    std::memcpy(data, text, std::strlen(text));
-    EXPECT_EQ(IsMruListData(data), std::strcmp(text, "MRUListEx") == 0) << text;
+  EXPECT_TRUE(IsMruListData(reinterpret_cast<const BYTE*>("MRUListEx")));
+  for (const char* text : {"MRUList", "MRUListExx", "mrulistex", ""}) {
+    EXPECT_FALSE(IsMruListData(reinterpret_cast<const BYTE*>(text))) << text;
   }
   EXPECT_FALSE(IsMruListData(reinterpret_cast<const BYTE*>(L"MRUListEx")));
 }
