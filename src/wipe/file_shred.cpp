@@ -117,7 +117,6 @@ CFileShred::Overwrite CFileShred::OverwriteClusters(HANDLE file, std::uint64_t s
   // order whether its clusters go one at a time or several at once; several
   // at once spare a system call each. Progress still counts every cluster.
   const std::uint64_t perWrite = passes == 1 ? std::max<std::uint64_t>(1, kSinglePassBytes / clusterSize) : 1;
-  const bool discarded = io_.DiscardsWrites();
   (void)io_.Seek(file, 0);
   for (std::uint64_t k = 1; k <= clusterCount_; k += perWrite) {
     if (Raised(stop_)) return Overwrite::kStopped;
@@ -125,13 +124,9 @@ CFileShred::Overwrite CFileShred::OverwriteClusters(HANDLE file, std::uint64_t s
     const auto length = static_cast<std::uint32_t>(clusters * clusterSize);
     // The two spare bytes give the last step of a triple pattern its room;
     // only the first `length` bytes of a pass are written.
-    if (!discarded) BuildPasses(method, length + 2);
+    BuildPasses(method, length + 2);
     for (std::uint32_t pass = 0; pass < passes; ++pass) {
       if (pass > 0) (void)io_.Seek(file, (k - 1) * clusterSize);
-      if (discarded) {
-        if (io_.Write(file, nullptr, length)) return Overwrite::kWriteFailed;
-        continue;
-      }
       if (head() == nullptr || io_.Write(file, head()->bytes.get(), length)) return Overwrite::kWriteFailed;
       PopPass();
     }

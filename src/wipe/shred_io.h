@@ -39,9 +39,6 @@ class ShredIo {
   [[nodiscard]] virtual std::error_code FinalPath(HANDLE file, std::wstring* path);
   // Absolute 64-bit seek from the start of the file.
   [[nodiscard]] virtual std::error_code Seek(HANDLE file, std::uint64_t offset);
-  // Whether Write throws its bytes away (a preview): then the shredder does
-  // not make them, and passes null.
-  virtual bool DiscardsWrites() const { return false; }
   // Fails when fewer than `length` bytes were written.
   [[nodiscard]] virtual std::error_code Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length);
   [[nodiscard]] virtual std::error_code Flush(HANDLE file);

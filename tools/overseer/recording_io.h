@@ -76,7 +76,6 @@ class RecordingIo : public scourel::CleanerIo {
   std::error_code Identity(HANDLE file, DWORD* attributes, DWORD* linkCount) override;
   std::error_code FinalPath(HANDLE file, std::wstring* path) override;
   std::error_code Seek(HANDLE file, std::uint64_t offset) override;
-  bool DiscardsWrites() const override { return true; }
   std::error_code Write(HANDLE file, const std::uint8_t* bytes, std::uint32_t length) override;
   std::error_code Flush(HANDLE file) override;
   void Close(scourel::UniqueHandleKernel& file) override;
