@@ -1,7 +1,6 @@
 #include "overseer_runner.h"
 
 #include "common/known_folders.h"
-#include "protocol/messages.h"
 #include "support/fixtures.h"
 
 namespace scourel::test {
@@ -28,13 +27,5 @@ OverseerRun RunOverseer(const std::wstring& arguments, unsigned limitMs) {
   RemoveTree(capture + L".err");
   return run;
 }
-
-SilentWorker::SilentWorker(unsigned hangMs)
-    : WindowThread(protocol::kWorkerClass, protocol::kWorkerWindowTitle,
-                   [hangMs](HWND, UINT message, WPARAM, LPARAM) -> std::optional<LRESULT> {
-                     if (message < 2034 || message > 2088) return std::nullopt;
-                     ::Sleep(hangMs);
-                     return 0;
-                   }) {}
 
 }  // namespace scourel::test

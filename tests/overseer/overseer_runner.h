@@ -1,11 +1,9 @@
-// Runs overseer.exe with its output captured, and stands in for a worker
-// that never answers.
+// Runs overseer.exe with its output captured, from a worker's install root.
 #pragma once
 
 #include <string>
 
 #include "support/fixtures.h"
-#include "support/worker_harness.h"
 #include "task/settings.h"
 
 namespace scourel::test {
@@ -27,13 +25,6 @@ struct Installed : ScratchDir {
   std::wstring Worker(const std::wstring& rest) const { return L"--worker \"" + exe + L"\" " + rest; }
   std::wstring Setting(const wchar_t* key) const { return ReadSetting(*this / L"Settings.INI", key, 1000); }
   const std::wstring exe;
-};
-
-// A SCOUREL_CLASS window that takes every command and replies to none; its
-// window procedure takes hangMs over each.
-class SilentWorker : public WindowThread {
- public:
-  explicit SilentWorker(unsigned hangMs);
 };
 
 }  // namespace scourel::test

@@ -1,9 +1,10 @@
 // What a run must leave exactly as it was: every file below some folders
 // (attributes, size, creation and write times, a hash of its bytes), every
-// folder, and every key and value below some registry keys.
+// folder, and every key and value below some registry keys. Compare two with
+// testing::ContainerEq, which names what differs.
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -15,11 +16,7 @@ namespace scourel::test {
 
 using Snapshot = std::map<std::wstring, std::string>;
 
-inline std::string Fnv1a(const std::string& bytes) {
-  std::uint64_t hash = 14695981039346656037ull;
-  for (unsigned char c : bytes) hash = (hash ^ c) * 1099511628211ull;
-  return std::to_string(hash);
-}
+inline std::string Hash(const std::string& bytes) { return std::to_string(std::hash<std::string>{}(bytes)); }
 
 inline void SnapshotFolder(const std::wstring& folder, Snapshot& out) {
   WIN32_FIND_DATAW entry;
@@ -34,7 +31,7 @@ inline void SnapshotFolder(const std::wstring& folder, Snapshot& out) {
     std::string line = std::to_string(entry.dwFileAttributes) + " " + std::to_string(entry.nFileSizeLow) + " " +
                        std::to_string(entry.ftCreationTime.dwLowDateTime) + " " +
                        std::to_string(entry.ftLastWriteTime.dwLowDateTime);
-    if (!folderEntry && !link) line += " " + Fnv1a(ReadFileBytes(path));
+    if (!folderEntry && !link) line += " " + Hash(ReadFileBytes(path));
     out[path] = line;
     if (folderEntry && !link) SnapshotFolder(path, out);
   } while (::FindNextFileW(find.get(), &entry));
@@ -52,7 +49,7 @@ inline void SnapshotKey(HKEY root, const std::wstring& path, Snapshot& out) {
     std::string data(bytes, '\0');
     chars = 16384;
     ::RegEnumValueW(raw, i, name, &chars, nullptr, &type, reinterpret_cast<BYTE*>(data.data()), &bytes);
-    out[L"value " + path + L"\\" + name] = std::to_string(type) + " " + Fnv1a(data);
+    out[L"value " + path + L"\\" + name] = std::to_string(type) + " " + Hash(data);
   }
   std::vector<std::wstring> children;
   for (DWORD i = 0;; ++i) {
@@ -69,21 +66,6 @@ inline Snapshot TakeSnapshot(const std::vector<std::wstring>& folders,
   Snapshot out;
   for (const std::wstring& folder : folders) SnapshotFolder(folder, out);
   for (const auto& [root, path] : keys) SnapshotKey(root, path, out);
-  return out;
-}
-
-// What differs, one entry a line (empty when nothing does).
-inline std::string Differences(const Snapshot& before, const Snapshot& after) {
-  std::string out;
-  auto narrow = [](const std::wstring& text) { return std::string(text.begin(), text.end()); };
-  for (const auto& [name, line] : before) {
-    const auto found = after.find(name);
-    if (found == after.end()) out += "gone: " + narrow(name) + "\n";
-    else if (found->second != line) out += "changed: " + narrow(name) + " " + line + " -> " + found->second + "\n";
-  }
-  for (const auto& [name, line] : after) {
-    if (!before.count(name)) out += "new: " + narrow(name) + "\n";
-  }
   return out;
 }
 

@@ -138,24 +138,10 @@ std::wstring SeededRegistry::Damage(const std::vector<int>& fixed) const {
   return L"";
 }
 
-std::set<std::wstring> SeededRegistry::Snapshot() const {
-  std::set<std::wstring> lines;
-  for (const SeedEntry& e : entries_) {
-    const std::wstring where = std::to_wstring(reinterpret_cast<ULONG_PTR>(e.root)) + L"|" + e.path;
-    UniqueRegKey key;
-    if (::RegOpenKeyExW(e.root, e.path.c_str(), 0, KEY_READ, key.put()) != ERROR_SUCCESS) continue;
-    lines.insert(where);
-    for (DWORD i = 0;; ++i) {
-      wchar_t name[512];
-      BYTE data[4096];
-      DWORD nameLength = 512, size = sizeof data, type = 0;
-      if (::RegEnumValueW(key.get(), i, name, &nameLength, nullptr, &type, data, &size) != ERROR_SUCCESS) break;
-      std::wstring line = where + L"|" + name + L"|" + std::to_wstring(type) + L"|";
-      for (DWORD b = 0; b < size; ++b) line += std::to_wstring(data[b]) + L",";
-      lines.insert(line);
-    }
-  }
-  return lines;
+std::vector<std::pair<HKEY, std::wstring>> SeededRegistry::Keys() const {
+  std::vector<std::pair<HKEY, std::wstring>> keys;
+  for (const SeedEntry& e : entries_) keys.emplace_back(e.root, e.path);
+  return keys;
 }
 
 }  // namespace scourel::test

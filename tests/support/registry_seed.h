@@ -7,7 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <set>
+#include <utility>
 #include <string>
 #include <vector>
 
@@ -70,9 +70,8 @@ class SeededRegistry {
   // Empty when every entry stands as it must after fixing the categories
   // given; otherwise the first entry that does not.
   std::wstring Damage(const std::vector<int>& fixedCategories) const;
-  // Every seeded key with its values' names, types and bytes: what a
-  // restore must bring back exactly.
-  std::set<std::wstring> Snapshot() const;
+  // Every key an entry names, for a snapshot of all it holds.
+  std::vector<std::pair<HKEY, std::wstring>> Keys() const;
 
  private:
   ScratchDir files_{L"registry-seed"};
