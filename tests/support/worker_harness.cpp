@@ -78,7 +78,6 @@ void WorkerHarness::Record(UINT id, WPARAM wParam, LPARAM lParam) {
   if (id == WM_COPYDATA) {
     const auto* record = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
     message.kind = static_cast<unsigned>(record->dwData);
-    message.cbData = record->cbData;
     const auto* data = static_cast<const std::uint8_t*>(record->lpData);
     message.bytes.assign(data, data + record->cbData);
     const auto* text = static_cast<const wchar_t*>(record->lpData);

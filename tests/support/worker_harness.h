@@ -43,7 +43,6 @@ struct ReceivedMessage {
   bool sent = false;  // SendMessage (true) or PostMessage (false)
   // WM_COPYDATA only:
   unsigned kind = 0;
-  std::uint32_t cbData = 0;
   std::wstring text{};                // up to the first zero
   std::vector<std::uint8_t> bytes{};  // the cbData bytes as received
 };
