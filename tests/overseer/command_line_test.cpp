@@ -69,10 +69,9 @@ TEST(OverseerCommandLineTest, EachCommandsMessageAndCompletion) {
   // The scan waits for every record of the full scan; close for the worker's end.
   const auto scan = PlanFor(*Parse(L"scan").options);
   EXPECT_EQ(scan->message, p::SpecOf(p::Task::kFullScan).sets[p::kFirstSet].start);
-  ASSERT_EQ(scan->awaited.size(), std::size(p::kFullScanReplies));
-  for (size_t i = 0; i < scan->awaited.size(); ++i) {
-    EXPECT_EQ(scan->awaited[i], (ReplyKey{p::kCopyDataMessage, p::kFullScanReplies[i]}));
-  }
+  std::vector<ReplyKey> records;
+  for (unsigned kind : p::kFullScanReplies) records.push_back({p::kCopyDataMessage, kind});
+  EXPECT_EQ(scan->awaited, records);
   const auto close = PlanFor(*Parse(L"close").options);
   EXPECT_EQ(std::tuple(close->message, close->end, close->needsRunningWorker),
             std::tuple(16u, EndOn::kProcessExit, true));  // WM_CLOSE

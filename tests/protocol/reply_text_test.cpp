@@ -8,14 +8,9 @@ namespace {
 
 TEST(ReplyTextTest, FullScanAndTaskTexts) {
   const PcCounters pc = {1, 2, 3, 4, 5, 6, 7};
-  std::array<std::int32_t, 10> browserCounts{};
-  std::array<float, 10> browserBytes{};
-  for (int i = 0; i < 10; ++i) {
-    browserCounts[i] = i;
-    browserBytes[i] = 1024.0f * static_cast<float>(i);
-  }
-  std::array<std::int32_t, 12> registry{};
-  for (int i = 0; i < 12; ++i) registry[i] = 100 + i;
+  const std::array<std::int32_t, 10> browserCounts = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+  const std::array<float, 10> browserBytes = {0, 1024, 2048, 3072, 4096, 5120, 6144, 7168, 8192, 9216};
+  const std::array<std::int32_t, 12> registry = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111};
 
   const std::pair<std::wstring, std::wstring> cases[] = {
       {JunkScanText(3, 1536.0f, 4), L"3\\j1.50 KB\\j4"},
