@@ -1,7 +1,6 @@
 #include "support/fixtures.h"
 
 #include <cstring>
-#include <cwctype>
 #include <stdexcept>
 
 #include "common/win.h"
@@ -97,21 +96,16 @@ std::wstring CanaryTree::Damage() const {
 }
 
 std::wstring UnixPath(const std::wstring& windowsPath) {
-  // Wine's own mapping knows the case each folder has on the host.
+  // Wine's own mapping knows the case each folder has on the host; empty
+  // (and every host command on it fails) where it maps nothing.
   using ToUnix = char* (*)(const wchar_t*);
   const auto toUnix = reinterpret_cast<ToUnix>(
       reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
-  if (char* unix = toUnix ? toUnix(windowsPath.c_str()) : nullptr) {
-    std::wstring path(unix, unix + std::strlen(unix));
-    ::HeapFree(::GetProcessHeap(), 0, unix);
-    return path;
-  }
-  wchar_t prefix[4096] = {};
-  const DWORD n = ::GetEnvironmentVariableW(L"WINEPREFIX", prefix, 4096);
-  std::wstring path = windowsPath;
-  if (path.size() >= 2 && path[1] == L':' && std::towupper(path[0]) == L'C') path = L"/drive_c" + path.substr(2);
-  for (wchar_t& c : path) c = c == L'\\' ? L'/' : c;
-  return (n < 4096 ? std::wstring(prefix, n) : std::wstring()) + path;
+  char* unix = toUnix ? toUnix(windowsPath.c_str()) : nullptr;
+  if (!unix) return L"";
+  std::wstring path(unix, unix + std::strlen(unix));
+  ::HeapFree(::GetProcessHeap(), 0, unix);
+  return path;
 }
 
 // Wine starts a Unix program handed to start.exe natively but cannot wait

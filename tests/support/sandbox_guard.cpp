@@ -3,6 +3,7 @@
 #include <cwctype>
 
 #include "common/win.h"
+#include "support/fixtures.h"
 
 namespace scourel::test {
 
@@ -13,8 +14,6 @@ std::wstring Env(const wchar_t* name) {
   const DWORD n = ::GetEnvironmentVariableW(name, value, 4096);
   return n > 0 && n < 4096 ? std::wstring(value, n) : std::wstring();
 }
-
-bool Exists(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 }  // namespace
 
@@ -34,7 +33,7 @@ std::wstring SandboxProblem() {
   for (const wchar_t* d = drives; *d; d += wcslen(d) + 1) {
     const std::wstring root = d;
     if (std::towlower(root[0]) == L'z') return L"drive z: is mapped";
-    if (Exists(root + L"proc\\self") || Exists(root + L"etc\\passwd")) return L"drive " + root + L" reaches /";
+    if (PathExists(root + L"proc\\self") || PathExists(root + L"etc\\passwd")) return L"drive " + root + L" reaches /";
   }
   return L"";
 }
