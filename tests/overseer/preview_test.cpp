@@ -64,12 +64,13 @@ std::set<std::string> ItemsBelow(const json& items, const std::wstring& folder) 
   return lines;
 }
 
-// Junk in the temporary folder: a read-only file, a plain one, one another
-// program holds open for reading only (it passes the probe, so it is
-// counted, but the shredder's open fails) and empty folders that go once
-// their files are gone.
-struct PlantedTemp {
-  PlantedTemp() {
+// What the junk and plug-in cleans take. In the temporary folder: a
+// read-only file, a plain one, one another program holds open for reading
+// only (it passes the probe, so it is counted, but the shredder's open
+// fails) and empty folders that go once their files are gone. In Local
+// AppData: a log a plug-in of the worker's names beside an entry the worker refuses.
+struct PlantedJunk {
+  explicit PlantedJunk(const Installed& worker) : plugins(worker / L"plugins") {
     MakeDirs(folder + L"\\empty\\deeper");
     PlantFile(folder + L"\\readonly.tmp", std::string(1000, 'r'));
     MakeReadOnly(folder + L"\\readonly.tmp");
@@ -77,9 +78,13 @@ struct PlantedTemp {
     PlantFile(held, "held");
     holder = UniqueHandleKernel(
         ::CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    PlantFile(logs + L"\\a.log", std::string(200, 'a'));
+    PlantFile(plugins + L"\\logs.cv",
+              "[Info]\r\nDeleteFile1=%LocalAppData%\\scourel-preview\\*.log\r\nDeleteFile2=C:\\boot.ini\r\n");
   }
   const std::wstring folder = TempFolder() + L"scourel-preview", held = folder + L"\\held.tmp";
-  const Cleanup removed = RemovedAtEnd({folder});
+  const std::wstring plugins, logs = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\scourel-preview";
+  const Cleanup removed = RemovedAtEnd({folder, plugins, logs});
   UniqueHandleKernel holder;
 };
 
@@ -90,13 +95,8 @@ TEST(PreviewTest, TotalsAreTheWorkersScanItemsThePlantedOnesAndNothingChanges) {
   const RegistryCanary canary;
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}, {L"b", L"notepad"}, {L"MRUList", L"ba"}});
   Installed worker(L"preview-e2e");
-  PlantedTemp temp;
-  ASSERT_TRUE(temp.holder);
-  const std::wstring plugins = worker / L"plugins", pluginFiles = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\scourel-preview";
-  const Cleanup planted = RemovedAtEnd({plugins, pluginFiles});
-  PlantFile(pluginFiles + L"\\a.log", std::string(200, 'a'));
-  PlantFile(pluginFiles + L"\\b.log", std::string(20, 'b'));
-  PlantFile(plugins + L"\\logs.cv", "[Info]\r\nDeleteFile1=%LocalAppData%\\scourel-preview\\*.log\r\n");
+  const PlantedJunk junk(worker);
+  ASSERT_TRUE(junk.holder);
 
   const std::vector<std::wstring> folders = {ShellFolderPath(CSIDL_PROFILE), ShellFolderPath(CSIDL_COMMON_APPDATA),
                                              worker.path()};
@@ -174,22 +174,17 @@ TEST(PreviewTest, TotalsAreTheWorkersScanItemsThePlantedOnesAndNothingChanges) {
 // preview before the clean, so they also pin the preview's items.
 TEST(PreviewTest, ReceiptListsWhatTheCleanTookAndWhatItLeftAndWhy) {
   Installed worker(L"preview-receipt");
-  PlantedTemp temp;
-  ASSERT_TRUE(temp.holder);
-  const std::wstring plugins = worker / L"plugins", files = ShellFolderPath(CSIDL_LOCAL_APPDATA) + L"\\scourel-receipt";
-  const Cleanup planted = RemovedAtEnd({plugins, files});
-  PlantFile(files + L"\\a.log", std::string(200, 'a'));
-  PlantFile(plugins + L"\\logs.cv",
-            "[Info]\r\nDeleteFile1=%LocalAppData%\\scourel-receipt\\*.log\r\nDeleteFile2=C:\\boot.ini\r\n");
+  const PlantedJunk junk(worker);
+  ASSERT_TRUE(junk.holder);
 
   const struct {
     std::wstring target, root;
     std::set<std::string> taken, left;
   } cases[] = {
-      {L"junk", temp.folder,
+      {L"junk", junk.folder,
        {"file \\readonly.tmp 1000", "file \\plain.tmp 300", "folder \\empty\\deeper", "folder \\empty"},
        {"left \\held.tmp 32 held open by another program"}},
-      {L"plugins", files, {"file \\a.log 200"}, {}},
+      {L"plugins", junk.logs, {"file \\a.log 200"}, {}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.target.begin(), c.target.end()));
