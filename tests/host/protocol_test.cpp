@@ -23,7 +23,6 @@ struct Expected {
   bool sent;        // SendMessage rather than PostMessage
   Param wParam;
   bool lParamZero;  // else any byte total
-  std::uint32_t cbData;
   const wchar_t* text;  // copy data: the exact text; null: any overseer reads in the kind's layout
 };
 
@@ -37,10 +36,10 @@ struct CommandCase {
   std::size_t steps = 0;
 };
 
-Expected Posted(UINT id, Param w = Param::kZero) { return {id, 0, false, w, true, 0, nullptr}; }
-Expected Sent(UINT id, Param w, bool lParamZero) { return {id, 0, true, w, lParamZero, 0, nullptr}; }
+Expected Posted(UINT id, Param w = Param::kZero) { return {id, 0, false, w, true, nullptr}; }
+Expected Sent(UINT id, Param w, bool lParamZero) { return {id, 0, true, w, lParamZero, nullptr}; }
 Expected Copy(unsigned kind, Param w, const wchar_t* text = nullptr) {
-  return {WM_COPYDATA, kind, true, w, false, protocol::RecordBytes(kind), text};
+  return {WM_COPYDATA, kind, true, w, false, text};
 }
 
 std::vector<CommandCase> StartCases() {
@@ -80,7 +79,7 @@ void CheckReply(const WorkerHarness& worker, const ReceivedMessage& got, const E
   }
   if (want.id == WM_COPYDATA) {
     EXPECT_EQ(got.kind, want.kind);
-    EXPECT_EQ(got.bytes.size(), want.cbData);
+    EXPECT_EQ(got.bytes.size(), protocol::RecordBytes(want.kind));
     if (want.text) {
       EXPECT_EQ(got.text, want.text);
     }
@@ -160,7 +159,7 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
     // The slot is empty after a stop: the same stop again sends nothing.
     worker.ClearReceived();
     worker.Send(c.stop);
-    EXPECT_TRUE(worker.NothingArrived());
+    EXPECT_TRUE(worker.CaughtUp() && worker.Received().empty());
   }
 }
 

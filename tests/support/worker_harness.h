@@ -80,8 +80,6 @@ class WorkerHarness {
   // Posts a mark to the controller's own queue and waits for it: every reply
   // the worker's window sent or posted before now has then been recorded.
   bool CaughtUp(DWORD timeoutMs = 10000);
-  // Caught up, and nothing at all was received.
-  bool NothingArrived() { return CaughtUp() && Received().empty(); }
   // Waits until `count` messages with this id have arrived in all.
   bool WaitForCount(UINT id, size_t count, DWORD timeoutMs = 10000);
 
