@@ -115,10 +115,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
     roots.insert(roots.end(), {local + L"\\" + vendor, roaming + L"\\" + vendor});
   }
   for (const std::wstring& root : roots) RemoveTree(root);
-  const Cleanup planted([&] {
-    RemoveUnixLink(link);
-    for (const std::wstring& root : roots) RemoveTree(root);
-  });
+  const Cleanup planted = RemovedAtEnd(roots);  // the link to the canary goes as a link
 
   std::int32_t count = 0;
   float bytes = 0;

@@ -80,9 +80,6 @@ TEST(OverseerReplyDecodingTest, EveryReplyKind) {
     const bool copy = c.what < 2000;
     const DecodedReply reply = copy ? DecodeCopyData(c.what, c.text) : DecodeMessage(c.what, c.wParam, c.lParam);
     EXPECT_TRUE(reply.readable);
-    EXPECT_EQ(reply.id, copy ? 74u : c.what);
-    EXPECT_EQ(reply.kind, copy ? c.what : 0u);
-    EXPECT_EQ(reply.text, c.text);
     EXPECT_FALSE(reply.title.empty());
     EXPECT_EQ(reply.progress, c.what == 2082 || c.what == 2083 || c.what == 2091);
     ASSERT_EQ(reply.fields.size(), c.fieldCount);
