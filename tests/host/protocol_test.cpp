@@ -1,6 +1,5 @@
 // The worker's side of the message link, through real window messages
 // between two processes.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "overseer/reply_decoding.h"
@@ -83,10 +82,8 @@ void CheckReply(const WorkerHarness& worker, const ReceivedMessage& got, const E
     if (want.text) {
       EXPECT_EQ(got.text, want.text);
     }
+    // What lies behind the text is the buffer's own test (reply_text_test).
     EXPECT_TRUE(overseer::DecodeCopyData(got.kind, got.text).readable) << testing::PrintToString(got.text);
-    // Zero-padded behind the text.
-    EXPECT_THAT(std::vector(got.bytes.begin() + static_cast<std::ptrdiff_t>((got.text.size() + 1) * 2), got.bytes.end()),
-                testing::Each(0));
   } else if (want.lParamZero) {
     EXPECT_EQ(got.lParam, 0);
   } else {
