@@ -4,7 +4,6 @@
 #include <string>
 
 #include "support/fixtures.h"
-#include "task/settings.h"
 
 namespace scourel::test {
 
@@ -23,7 +22,6 @@ struct Installed : ScratchDir {
       : ScratchDir((CloseRunningWorkers(), name)), exe(InstallCopy(path(), program)) {}
   ~Installed() { CloseRunningWorkers(); }
   std::wstring Worker(const std::wstring& rest) const { return L"--worker \"" + exe + L"\" " + rest; }
-  std::wstring Setting(const wchar_t* key) const { return ReadSetting(*this / L"Settings.INI", key, 1000); }
   const std::wstring exe;
 };
 
