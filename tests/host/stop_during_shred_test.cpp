@@ -13,16 +13,6 @@ namespace {
 constexpr std::size_t kBig = 64u << 20;
 constexpr std::size_t kCluster = 4096;
 
-std::string FirstCluster(const std::wstring& path) {
-  UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                        nullptr, OPEN_EXISTING, 0, nullptr));
-  std::string bytes(kCluster, '\0');
-  DWORD read = 0;
-  if (!file || !::ReadFile(file.get(), bytes.data(), kCluster, &read, nullptr)) read = 0;
-  bytes.resize(read);
-  return bytes;
-}
-
 TEST(StopDuringShredTest, LeavesTheFileUnderItsNameAndAddsNothingAfterTheReply) {
   ScratchDir dir(L"stop-shred");
   const std::wstring temp = dir / L"temp";
@@ -49,7 +39,7 @@ TEST(StopDuringShredTest, LeavesTheFileUnderItsNameAndAddsNothingAfterTheReply) 
   FolderChanges changes(temp);
   worker.Send(2034);
   const std::string planted(kCluster, 'Q');
-  ASSERT_TRUE(changes.WaitUntil([&] { return FirstCluster(big) != planted; })) << "the shred began";
+  ASSERT_TRUE(changes.WaitUntil([&] { return ReadFileBytes(big, kCluster) != planted; })) << "the shred began";
   worker.Send(2036);
   const auto stopped = worker.WaitFor(2036, 5000);
   ASSERT_TRUE(stopped);

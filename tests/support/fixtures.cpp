@@ -1,5 +1,6 @@
 #include "support/fixtures.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -31,14 +32,19 @@ void WriteFileBytes(const std::wstring& path, const std::string& bytes) {
   ::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }
 
-std::string ReadFileBytes(const std::wstring& path) {
-  UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+std::string ReadFileBytes(const std::wstring& path, std::size_t limit) {
+  // Shared for delete too: a worker may be shredding the file as we read it.
+  UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                        nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return {};
   std::string bytes;
   char buffer[65536];
   DWORD read = 0;
-  while (::ReadFile(file.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) bytes.append(buffer, read);
+  while (bytes.size() < limit) {
+    const auto want = static_cast<DWORD>(std::min(sizeof buffer, limit - bytes.size()));
+    if (!::ReadFile(file.get(), buffer, want, &read, nullptr) || read == 0) break;
+    bytes.append(buffer, read);
+  }
   return bytes;
 }
 

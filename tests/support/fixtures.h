@@ -2,6 +2,7 @@
 // tree that must survive every walk and delete, and a scratch registry key.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -17,7 +18,8 @@ bool PathExists(const std::wstring& path);
 void MakeDirs(const std::wstring& path);
 // Creates the file (and its folder) with exactly these bytes.
 void WriteFileBytes(const std::wstring& path, const std::string& bytes);
-std::string ReadFileBytes(const std::wstring& path);
+// At most `limit` bytes from the start; empty when the file cannot be opened.
+std::string ReadFileBytes(const std::wstring& path, std::size_t limit = SIZE_MAX);
 // Deletes a tree without following links (clears read-only on the way).
 void RemoveTree(const std::wstring& path);
 
