@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <random>
 #include <set>
 
 #include "common/known_folders.h"
@@ -128,10 +127,7 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
   WriteFileBytes(local + L"\\" EDGE L"Local State",
                  R"({"profile": {"info_cache": {"Default": {"name": "Personal"}, "Profile 1": {"name": "Work"}}}})");
   WriteFileBytes(local + L"\\" BRAVE L"Local State", R"({"profile": {"info_cache": {"Default": {"na)");
-  std::mt19937 random(5);
-  std::string noise(512, '\0');
-  for (char& c : noise) c = static_cast<char>(random());
-  WriteFileBytes(local + L"\\Vivaldi\\User Data\\Local State", noise);
+  // Vivaldi has no Local State: its profile folders are found all the same.
   WriteFileBytes(local + L"\\" CHROME L"Local State",
                  R"({"profile": {"info_cache": {"Default": {"name": "Person 1"}, "Profile 2": {"name": "Holiday"},)"
                  R"( "..\\..\\Edge": {"name": "Climber"}}}})");
@@ -169,7 +165,6 @@ TEST(BrowserPluginsTest, GeneratedPluginsTakeEveryProfileOnceAndRerunsRemoveOnly
        {std::string("running   Edge (msedge.exe)"),
         std::string("Chrome: \"Local State\" names \"..\\..\\Edge\", which is not a folder name: refused"),
         std::string("Brave: \"Local State\" holds no profile list it can read"),
-        std::string("Vivaldi: \"Local State\" holds no profile list it can read"),
         std::string("[Profile3] path \"Profiles/../../../escape\": it climbs with \"..\": refused"),
         "[Profile4] path \"" + overseer::Utf8(canary.root()) + "\": outside the user's folders: refused",
         "[Profile5] names \"" + overseer::Utf8(desktop) + "\", a folder of the system's own: refused"}) {
