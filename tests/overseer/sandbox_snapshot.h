@@ -51,14 +51,12 @@ inline void SnapshotKey(HKEY root, const std::wstring& path, Snapshot& out) {
     ::RegEnumValueW(raw, i, name, &chars, nullptr, &type, reinterpret_cast<BYTE*>(data.data()), &bytes);
     out[L"value " + path + L"\\" + name] = std::to_string(type) + " " + Hash(data);
   }
-  std::vector<std::wstring> children;
   for (DWORD i = 0;; ++i) {
     wchar_t name[256];
     DWORD chars = 256;
     if (::RegEnumKeyExW(raw, i, name, &chars, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-    children.emplace_back(name);
+    SnapshotKey(root, path + L"\\" + name, out);
   }
-  for (const std::wstring& child : children) SnapshotKey(root, path + L"\\" + child, out);
 }
 
 inline Snapshot TakeSnapshot(const std::vector<std::wstring>& folders,
