@@ -8,6 +8,7 @@
 #include "support/fixtures.h"
 #include "support/process_threads.h"
 #include "support/worker_harness.h"
+#include "windows_traces/traces_fixture.h"
 
 namespace scourel::test {
 namespace {
@@ -166,17 +167,11 @@ TEST(WorkerProtocolTest, SecondSetPcTracesStopsTheTaskThatReplacedIt) {
   // A long run history keeps the first task busy erasing it, value by value,
   // well past the second start: a first task that ended before the second
   // began would rightly leave itself in the slot and nobody would be stopped.
-  constexpr wchar_t kRunMru[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRU";
-  const Cleanup gone([&] { ::SHDeleteKeyW(HKEY_CURRENT_USER, kRunMru); });
-  {
-    UniqueRegKey key;
-    ASSERT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, kRunMru, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.put(), nullptr),
-              ERROR_SUCCESS);
-    for (int i = 0; i < 20000; ++i) {
-      const std::wstring name = L"v" + std::to_wstring(i);
-      ::RegSetValueExW(key.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(L"x"), 2 * sizeof(wchar_t));
-    }
-  }
+  const Cleanup gone([&] { ::SHDeleteKeyW(HKEY_CURRENT_USER, kRunMruKey.c_str()); });
+  std::vector<std::pair<std::wstring, std::wstring>> values;
+  for (int i = 0; i < 20000; ++i) values.emplace_back(L"v" + std::to_wstring(i), L"x");
+  PlantList(kRunMruKey, values);
+  ASSERT_TRUE(ValuePresent(HKEY_CURRENT_USER, kRunMruKey, L"v19999"));
   worker.WriteSetting(L"IDS_PCRUNHISTORY", L"TRUE");
   // Whichever of the two ends first, the first to end finds the other in the
   // slot (or itself, then the other finds it): one of them stops the other.
