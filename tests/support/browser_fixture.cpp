@@ -375,8 +375,6 @@ Expected BrowserFixture::Of(std::optional<protocol::Browser> browser, BrowserCat
   return sum;
 }
 
-Expected BrowserFixture::Total(BrowserCategory category, const Run& run) const { return Of({}, category, run); }
-
 std::wstring BrowserFixture::Damage(const Run& run) const {
   for (const TraceRow& row : Rows()) {
     if (!Plants(scenario_, row)) continue;

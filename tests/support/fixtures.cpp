@@ -34,8 +34,9 @@ void WriteFileBytes(const std::wstring& path, const std::string& bytes) {
 
 std::string ReadFileBytes(const std::wstring& path, std::size_t limit) {
   // Shared for delete too: a worker may be shredding the file as we read it.
-  UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                        nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  UniqueHandleKernel file(::CreateFileW(path.c_str(), GENERIC_READ,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return {};
   std::string bytes;
   char buffer[65536];
@@ -77,8 +78,6 @@ ScratchDir::ScratchDir(const std::wstring& name) : path_(L"C:\\scourel-tests\\" 
   RemoveTree(path_);
   MakeDirs(path_);
 }
-
-ScratchDir::~ScratchDir() { RemoveTree(path_); }
 
 CanaryTree::CanaryTree(const std::wstring& root) : root_(root) {
   files_ = {

@@ -27,7 +27,7 @@ void RemoveTree(const std::wstring& path);
 class ScratchDir {
  public:
   explicit ScratchDir(const std::wstring& name);
-  ~ScratchDir();
+  ~ScratchDir() { RemoveTree(path_); }
   ScratchDir(const ScratchDir&) = delete;
   ScratchDir& operator=(const ScratchDir&) = delete;
   const std::wstring& path() const { return path_; }

@@ -138,14 +138,6 @@ bool WorkerHarness::WaitForCount(UINT id, size_t count, DWORD timeoutMs) {
   }, timeoutMs);
 }
 
-std::optional<ReceivedMessage> WorkerHarness::WaitFor(UINT id, DWORD timeoutMs) {
-  return WaitMatching(id, 0, timeoutMs);
-}
-
-std::optional<ReceivedMessage> WorkerHarness::WaitForCopyData(unsigned kind, DWORD timeoutMs) {
-  return WaitMatching(WM_COPYDATA, kind, timeoutMs);
-}
-
 std::vector<ReceivedMessage> WorkerHarness::Received() {
   std::lock_guard lock(mutex_);
   return received_;

@@ -73,8 +73,10 @@ class WorkerHarness {
 
   // Waits for a message with this id (for WM_COPYDATA: of this kind) that
   // arrived after the previous wait's match; null on timeout.
-  std::optional<ReceivedMessage> WaitFor(UINT id, DWORD timeoutMs = 60000);
-  std::optional<ReceivedMessage> WaitForCopyData(unsigned kind, DWORD timeoutMs = 60000);
+  std::optional<ReceivedMessage> WaitFor(UINT id, DWORD timeoutMs = 60000) { return WaitMatching(id, 0, timeoutMs); }
+  std::optional<ReceivedMessage> WaitForCopyData(unsigned kind, DWORD timeoutMs = 60000) {
+    return WaitMatching(WM_COPYDATA, kind, timeoutMs);
+  }
   // Waits until what has arrived satisfies `done`; false on timeout.
   bool WaitUntil(const std::function<bool(const std::vector<ReceivedMessage>&)>& done, DWORD timeoutMs = 60000);
   // Posts a mark to the controller's own queue and waits for it: every reply
