@@ -129,23 +129,22 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
   // either slot, through either set's id, then finds it taken.
   struct StopCase {
     UINT start;
-    UINT started;   // reply id, or WM_COPYDATA with the kind below
-    unsigned startedKind;
+    Expected started;  // waited for, then the slot is taken
     UINT stop;
     Expected reply;
   };
   const StopCase cases[] = {
-      {2073, 2074, 0, 2075, Sent(2075, Param::kWorker, true)},
-      {2073, 2074, 0, 2051, Copy(304, Param::kWorker)},
-      {2046, WM_COPYDATA, 305, 2048, Copy(306, Param::kWorker)},
-      {2046, WM_COPYDATA, 305, 2072, Posted(2072, Param::kWorker)},
+      {2073, Posted(2074, Param::kWorker), 2075, Sent(2075, Param::kWorker, true)},
+      {2073, Posted(2074, Param::kWorker), 2051, Copy(304, Param::kWorker)},
+      {2046, Copy(305, Param::kWorker), 2048, Copy(306, Param::kWorker)},
+      {2046, Copy(305, Param::kWorker), 2072, Posted(2072, Param::kWorker)},
   };
   WorkerHarness worker(L"proto-stop");
   ASSERT_TRUE(worker.Started());
   for (const StopCase& c : cases) {
     SCOPED_TRACE(c.stop);
     worker.Send(c.start);
-    ASSERT_TRUE(c.started == WM_COPYDATA ? worker.WaitForCopyData(c.startedKind) : worker.WaitFor(c.started));
+    ASSERT_TRUE(c.started.id == WM_COPYDATA ? worker.WaitForCopyData(c.started.kind) : worker.WaitFor(c.started.id));
     if (c.start == 2046) {
       ASSERT_TRUE(worker.WaitForCount(2083, 9));  // posted progress may trail the result
     }
