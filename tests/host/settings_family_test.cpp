@@ -26,8 +26,7 @@ TEST(SettingsFamilyTest, CommandSetAndModeArgumentChooseTheKeys) {
       {L"o", 2073, L"IDS_O", true}, {L"o", 2073, L"IDS_", false},
   };
   for (const FamilyCase& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(std::wstring(c.mode)) + " " + std::to_string(c.command) + " " +
-                 testing::PrintToString(std::wstring(c.prefixOn)));
+    SCOPED_TRACE(testing::Message() << c.command << " mode \"" << c.mode << "\" " << c.prefixOn << " on");
     PlantedRegistry runHistory;
     runHistory.Plant(HKEY_CURRENT_USER, kRunMru, L"a", L"notepad\\1");
     WorkerHarness worker(L"family", c.mode);

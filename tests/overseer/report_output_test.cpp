@@ -8,7 +8,6 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 TEST(OverseerOutputTest, JsonStringsAreEscaped) {
   EXPECT_EQ(JsonString(L"C:\\a \"b\"\n"), "\"C:\\\\a \\\"b\\\"\\n\"");
@@ -29,7 +28,7 @@ TEST(OverseerOutputTest, JsonReportShape) {
         "\"2.00 KB\", \"other_junk_files\": 3}}"),
         HasSubstr("{\"message\": 2035, \"title\": \"junk files cleaned\", \"readable\": true, \"fields\": "
         "{\"junk_files\": 1, \"bytes\": 5, \"size\": \"0.00 KB\"}}"),
-        HasSubstr("\"status\": \"completed\"\n}"), Not(HasSubstr("\"error\""))));
+        HasSubstr("\"status\": \"completed\"\n}"), testing::Not(HasSubstr("\"error\""))));
   report.error = "no reply";
   EXPECT_THAT(JsonReport(report), HasSubstr("\"error\": \"no reply\""));
 }
