@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "overseer/command_plan.h"
-#include "overseer/reply_decoding.h"
 
 namespace overseer {
 namespace {

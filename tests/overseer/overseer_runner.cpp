@@ -1,7 +1,6 @@
 #include "overseer_runner.h"
 
 #include "common/known_folders.h"
-#include "support/fixtures.h"
 
 namespace scourel::test {
 
