@@ -110,18 +110,22 @@ TEST(OverseerExeTest, FailuresEndWithinTheTimeout) {
        15000},
       {8000, L"--timeout 2 clean junk", "the worker did not accept message 2034 within 2 s", 8000},
   };
+  // Set once overseer has given up, so that a hung stand-in returns at once.
+  const UniqueHandleKernel released(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.arguments);
+    ::ResetEvent(released.get());
     std::optional<WindowThread> silent;
     if (c.silentHangMs >= 0) {
       silent.emplace(protocol::kWorkerClass, protocol::kWorkerWindowTitle,
                      [&](HWND, UINT message, WPARAM, LPARAM) -> std::optional<LRESULT> {
                        if (message < 2034 || message > 2088) return std::nullopt;
-                       ::Sleep(c.silentHangMs);
+                       ::WaitForSingleObject(released.get(), c.silentHangMs);
                        return 0;
                      });
     }
     const OverseerRun run = RunOverseer(c.arguments, 60000);
+    ::SetEvent(released.get());
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_THAT(run.err, HasSubstr(c.error));
     EXPECT_THAT(run.out, HasSubstr("failed"));  // the status line or JSON status
