@@ -1,12 +1,12 @@
 #include "overseer_runner.h"
 
-#include "common/known_folders.h"
-
 namespace scourel::test {
 
 OverseerRun RunOverseer(const std::wstring& arguments, unsigned limitMs) {
   OverseerRun run;
-  const std::wstring capture = TempFolder() + L"overseer-run-" + std::to_wstring(::GetCurrentProcessId());
+  // Not in Temp: a junk clean run there would shred the capture it writes to.
+  MakeDirs(L"C:\\scourel-tests");
+  const std::wstring capture = L"C:\\scourel-tests\\overseer-run-" + std::to_wstring(::GetCurrentProcessId());
   {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
     auto open = [&](const wchar_t* suffix) {
