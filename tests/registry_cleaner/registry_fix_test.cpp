@@ -17,7 +17,10 @@ namespace {
 
 // One category switched on after another, each fix in the same run: a later
 // fix works through the rows of the earlier ones again (the seed is planted
-// anew each time), and leaves every other entry and every canary in place.
+// anew each time, under the same names, so the first scan's rows name it),
+// and leaves every other entry and every canary in place. The last scan,
+// after every fix but one, finds the seed exactly: no fix left anything a
+// scan would find.
 TEST(RegistryFixTest, EachCategoryAloneThenTogether) {
   ScratchDir settings(L"registry-fix-settings");
   const TaskContext context = TestContext(Mode::kErase, 0, settings / L"Settings.INI");
@@ -29,12 +32,14 @@ TEST(RegistryFixTest, EachCategoryAloneThenTogether) {
                                    &other == &registrySwitch ? L"TRUE" : L"true", context.settingsPath.c_str());
     }
     SeededRegistry seed;
-    RunRegistryScan(kMeasure);
-    // Exact: a false positive anywhere in the sandbox's registry shows here.
-    EXPECT_EQ(RegistryReportCounts(), kSeedReport);
-    EXPECT_EQ(RunFileExtensionScan(kMeasure), kSeedExtensions);
-    EXPECT_EQ(RunFileExtensionScan(kMeasure), 2 * kSeedExtensions);  // the pass adds without a reset
-    EXPECT_EQ(seed.Damage({}), L"");                                 // scanning changes nothing
+    if (fixed.empty() || &registrySwitch == &protocol::kRegistrySwitches[protocol::kRegistrySwitchCount - 1]) {
+      RunRegistryScan(kMeasure);
+      // Exact: a false positive anywhere in the sandbox's registry shows here.
+      EXPECT_EQ(RegistryReportCounts(), kSeedReport);
+      EXPECT_EQ(RunFileExtensionScan(kMeasure), kSeedExtensions);
+      EXPECT_EQ(RunFileExtensionScan(kMeasure), 2 * kSeedExtensions);  // the pass adds without a reset
+      EXPECT_EQ(seed.Damage({}), L"");                                 // scanning changes nothing
+    }
     fixed.push_back(registrySwitch.category);
     SelectFixCategories(context, KeyFamily::kFirstSet);
     EXPECT_EQ(seed.Damage(fixed), L"");
