@@ -162,19 +162,21 @@ TEST(WorkerProtocolTest, StopsOfSlotsLeftTakenReportTotals) {
 TEST(WorkerProtocolTest, SecondSetPcTracesStopsTheTaskThatReplacedIt) {
   WorkerHarness worker(L"proto-pc-later");
   ASSERT_TRUE(worker.Started());
-  // A long run history keeps the first task busy erasing it, value by value,
-  // well past the second start: a first task that ended before the second
-  // began would rightly leave itself in the slot and nobody would be stopped.
-  const Cleanup gone([&] { ::SHDeleteKeyW(HKEY_CURRENT_USER, kRunMruKey.c_str()); });
-  std::vector<std::pair<std::wstring, std::wstring>> values;
-  for (int i = 0; i < 20000; ++i) values.emplace_back(L"v" + std::to_wstring(i), L"x");
-  PlantList(kRunMruKey, values);
-  ASSERT_TRUE(ValuePresent(HKEY_CURRENT_USER, kRunMruKey, L"v19999"));
-  worker.WriteSetting(L"IDS_PCRUNHISTORY", L"TRUE");
+  // A large recent document, shredded with 35 passes, keeps the first task
+  // busy well past the second start: a first task that ended before the
+  // second began would rightly leave itself in the slot and nobody would be
+  // stopped. (A long run history would not: its first read fails, so the
+  // list goes whole at once.)
+  const std::wstring busy = ShellFolderPath(CSIDL_RECENT) + L"\\scourel-busy.lnk";
+  const Cleanup gone = RemovedAtEnd({busy});
+  PlantFile(busy, std::string(16 << 20, 'b'));
+  worker.WriteSetting(L"IDS_WIPEALGORITHM", L"7");
+  worker.WriteSetting(L"IDS_PCDOCUMENT", L"TRUE");
   // Whichever of the two ends first, the first to end finds the other in the
   // slot (or itself, then the other finds it): one of them stops the other.
   worker.Send(2073);
   worker.Send(2073);
+  ASSERT_TRUE(PathExists(busy)) << "the first task ended before the second began";
   ASSERT_TRUE(worker.WaitFor(2075, 30000));
   // The slot is empty: its stop answers nothing (posted 2074s may still trail).
   worker.Send(2075);
