@@ -1,5 +1,12 @@
-# Sourced, not run: sandbox_enter BUILD_DIR points Wine at a throwaway prefix
-# inside BUILD_DIR (creating it the first time) and starts its wineserver.
+# Sourced, not run: sandbox_enter BUILD_DIR [LANE] points Wine at a throwaway
+# prefix inside BUILD_DIR (creating it the first time) and starts its
+# wineserver.
+#
+# Lanes let tests run side by side: each lane is a sandbox of its own, with
+# its own prefix, server and desktop (the worker finds its controller by
+# class name, so two tests on one desktop would answer each other). Lane 0
+# is <build>/sandbox, lane N <build>/sandbox-N. Without LANE the lane is the
+# one CTest gave the test (its "lanes" resource), else 0.
 #
 # Everything Scourel runs here deletes files and registry keys, so the prefix
 # must not reach the host: HOME and XDG_DATA_HOME live inside it (Wine's
@@ -14,10 +21,23 @@ sandbox_wine() {
   fi
 }
 
+# "id:1,slots:1" -> 1
+sandbox_lane() {
+  local given="${CTEST_RESOURCE_GROUP_0_LANES:-}"
+  given="${given#id:}"
+  echo "${given%%,*}"
+}
+
 sandbox_enter() {
   local build
   build=$(cd "$1" && pwd) || return 1
+  local lane="${2:-$(sandbox_lane)}"
   local root="$build/sandbox"
+  case "$lane" in
+    "" | 0) ;;
+    *[!0-9]*) echo "sandbox: bad lane \"$lane\"" >&2; return 1 ;;
+    *) root="$build/sandbox-$lane" ;;
+  esac
   export SCOUREL_SANDBOX="$root"
   export SCOUREL_BUILD_DIR="$build"
   export WINEPREFIX="$root/prefix"
