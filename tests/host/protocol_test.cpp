@@ -169,7 +169,7 @@ TEST(WorkerProtocolTest, SecondSetPcTracesStopsTheTaskThatReplacedIt) {
   // list goes whole at once.)
   const std::wstring busy = ShellFolderPath(CSIDL_RECENT) + L"\\scourel-busy.lnk";
   const Cleanup gone = RemovedAtEnd({busy});
-  PlantFile(busy, std::string(16 << 20, 'b'));
+  WriteFileBytes(busy, std::string(16 << 20, 'b'));
   worker.WriteSetting(L"IDS_WIPEALGORITHM", L"7");
   worker.WriteSetting(L"IDS_PCDOCUMENT", L"TRUE");
   // Whichever of the two ends first, the first to end finds the other in the

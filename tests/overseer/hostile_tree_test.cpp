@@ -64,8 +64,9 @@ std::string Counts(const std::string& json) {
 TEST(HostileTreeTest, EveryCommandCompletesTakesItsTargetsAndNoCanary) {
   const WineVersionOf overseerTold(L"overseer.exe", L"win7"), workerTold(L"scourel.exe", L"win7");
   Installed worker(L"hostile-worker");
-  PlantFile(worker / L"plugins\\hostile.cv", "[Info]\r\nDelRegKey1=HKEY_CURRENT_USER\\Software\\Microsoft\\scourel-hostile"
-                                            "\r\nDeleteFile1=%LocalAppData%\\scourel-hostile\r\n");
+  WriteFileBytes(worker / L"plugins\\hostile.cv",
+                 "[Info]\r\nDelRegKey1=HKEY_CURRENT_USER\\Software\\Microsoft\\scourel-hostile"
+                 "\r\nDeleteFile1=%LocalAppData%\\scourel-hostile\r\n");
   const auto run = [&](const std::wstring& command) {
     const OverseerRun done = RunOverseer(worker.Worker(L"--json --browser all --pc all --registry all " + command));
     EXPECT_EQ(done.exitCode, 0) << Narrow(command) << "\n" << done.out << done.err;

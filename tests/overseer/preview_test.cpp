@@ -72,14 +72,14 @@ std::set<std::string> ItemsBelow(const json& items, const std::wstring& folder) 
 struct PlantedJunk {
   explicit PlantedJunk(const Installed& worker) : plugins(worker / L"plugins") {
     MakeDirs(folder + L"\\empty\\deeper");
-    PlantFile(folder + L"\\readonly.tmp", std::string(1000, 'r'));
+    WriteFileBytes(folder + L"\\readonly.tmp", std::string(1000, 'r'));
     MakeReadOnly(folder + L"\\readonly.tmp");
-    PlantFile(folder + L"\\plain.tmp", std::string(300, 'p'));
-    PlantFile(held, "held");
+    WriteFileBytes(folder + L"\\plain.tmp", std::string(300, 'p'));
+    WriteFileBytes(held, "held");
     holder = UniqueHandleKernel(
         ::CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    PlantFile(logs + L"\\a.log", std::string(200, 'a'));
-    PlantFile(plugins + L"\\logs.cv",
+    WriteFileBytes(logs + L"\\a.log", std::string(200, 'a'));
+    WriteFileBytes(plugins + L"\\logs.cv",
               "[Info]\r\nDeleteFile1=%LocalAppData%\\scourel-preview\\*.log\r\nDeleteFile2=C:\\boot.ini\r\n");
   }
   const std::wstring folder = TempFolder() + L"scourel-preview", held = folder + L"\\held.tmp";
@@ -241,7 +241,7 @@ TEST(PreviewTest, ReceiptOfAStoppedOrUnfinishedCleanSaysWhyItemsWereLeft) {
   ScratchDir dir(L"preview-receipt-ends");
   const std::wstring folder = TempFolder() + L"scourel-receipt-ends";
   const Cleanup removed = RemovedAtEnd({folder});
-  PlantFile(folder + L"\\left.tmp", "left");
+  WriteFileBytes(folder + L"\\left.tmp", "left");
   const struct {
     bool stops;
     std::string status, reason;

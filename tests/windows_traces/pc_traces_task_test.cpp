@@ -44,7 +44,7 @@ TEST(PcTracesTaskTest, AStopMidTaskSendsTheCountersSoFarAndChangesNothingMore) {
   std::vector<std::wstring> shortcuts;
   for (int i = 0; i < kShortcuts; ++i) shortcuts.push_back(recent + L"\\pctraces-stop-" + std::to_wstring(i) + L".lnk");
   const Cleanup removed = RemovedAtEnd(shortcuts);
-  for (const std::wstring& shortcut : shortcuts) PlantFile(shortcut, std::string(64, 's'));
+  for (const std::wstring& shortcut : shortcuts) WriteFileBytes(shortcut, std::string(64, 's'));
   PlantList(kRunMruKey, {{L"a", L"cmd\\1"}});
   auto left = [&] { return static_cast<int>(std::ranges::count_if(shortcuts, PathExists)); };
   WorkerHarness worker(L"pctraces-stop");

@@ -57,10 +57,10 @@ TEST(TraceFileStepsTest, MeasureCountsWhatEraseTakesAndEverythingBesideStays) {
     // Wine cannot see a dangling link to remove it.
     ScratchDir outside(L"pctraces-files-canary"), base(L"pctraces-files");
     CanaryTree canary(outside / L"tree");
-    PlantFile(canary.root() + L"\\bait.lnk.CHK", "bait");  // matches every step's pattern
-    for (const auto& [name, size] : step.gone) PlantFile(base / name, std::string(size, 'g'));
-    for (const std::wstring& name : step.kept) PlantFile(base / name, "keep");
-    PlantFile(base / step.held, "held");
+    WriteFileBytes(canary.root() + L"\\bait.lnk.CHK", "bait");  // matches every step's pattern
+    for (const auto& [name, size] : step.gone) WriteFileBytes(base / name, std::string(size, 'g'));
+    for (const std::wstring& name : step.kept) WriteFileBytes(base / name, "keep");
+    WriteFileBytes(base / step.held, "held");
     ASSERT_TRUE(MakeUnixSymlink(canary.root(), base / step.link));
     auto& counter = g_totals.pc(step.counter);
     CountedClears io;

@@ -19,7 +19,7 @@ namespace {
 struct PlantedJunk {
   PlantedJunk() {
     PlantSized(erased, 'j');
-    PlantFile(dump, std::string(700, 'd'));
+    WriteFileBytes(dump, std::string(700, 'd'));
   }
   const std::wstring tag = L"junk-e2e", windows = ShellFolderPath(CSIDL_WINDOWS);
   const std::wstring sharedWer = ShellFolderPath(CSIDL_COMMON_APPDATA) + L"\\Microsoft\\Windows\\WER\\" + tag;

@@ -60,12 +60,10 @@ inline const std::wstring kTypedPathsKey = std::wstring(kExplorerKey) + L"\\Type
 inline const std::wstring kWordWheelKey = std::wstring(kExplorerKey) + L"\\WordWheelQuery";
 inline const std::wstring kHistoryKeys[] = {kRunMruKey, kStreamMruKey, kTypedPathsKey, kWordWheelKey};
 
-inline void PlantFile(const std::wstring& path, const std::string& bytes) { WriteFileBytes(path, bytes); }
-
 // Files of known sizes, as the junk walks meet them in temp, log and report folders.
 using SizedFiles = std::vector<std::pair<std::wstring, std::size_t>>;
 inline void PlantSized(const SizedFiles& files, char fill) {
-  for (const auto& [path, size] : files) PlantFile(path, std::string(size, fill));
+  for (const auto& [path, size] : files) WriteFileBytes(path, std::string(size, fill));
 }
 inline void MakeReadOnly(const std::wstring& path) { ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY); }
 inline UniqueHandleKernel HoldWithoutSharing(const std::wstring& path) {
